@@ -109,6 +109,7 @@ class SBD_API SBD_FILE_PARSER {
     SBD_PARA_VALUE** m_items = nullptr;
     std::uint32_t m_size = 0;
     std::uint32_t m_capacity = 0;  // 0 when the items lie in the document's own memory.
+    SBD_VALUE_LIST* m_next_to_free = nullptr;
   };
 
   // A value as written: kind, number or text, and unit. Numbers are kept unscaled.
@@ -387,8 +388,20 @@ class SBD_API SBD_FILE_PARSER {
   char* m_file_name = nullptr;
 
  private:
-  bool read_loaded(char* source, std::size_t length, const char* name);
+  bool read_loaded(char* buffer, std::size_t length, const char* name);
+  void refuse_file(const char* name);
   bool run_checks();
+  bool find_all_targets();
+  bool find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const;
+  SBD_NODE* find_named(const char* name, const SBD_NODE* enclosing) const;
+  bool resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top_level);
+  bool check_statement(SBD_STATEMENT* statement);
+  SBD_NODE* first_member(const SBD_NODE* scope) const;
+  SBD_NODE* resolve_name(std::string_view ref, const SBD_NODE* scope) const;
+  SBD_NODE* find_member(const char* block, const char* parameter) const;
+  bool make_range(std::uint32_t position, std::size_t end, SBD_SOURCE_RANGE& range) const;
+  std::size_t line_end(std::size_t begin) const;
+  const char* message_file_name() const { return m_file_name != nullptr ? m_file_name : ""; }
 
   SBD_STORE* m_store = nullptr;
 };

@@ -1,0 +1,284 @@
+// Questions about a document: kinds, lists of blocks, references, typed values.
+#include <cmath>
+
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_store.h"
+#include "sbd/reading/sbd_tree.h"
+#include "sbd/sbd_file_parser.h"
+
+namespace {
+
+using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
+using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+
+SBD_STATEMENT* statement_of(const SBD_NODE* node) {
+  return node != nullptr && node->type == SBD_NODE::NT_STATEMENT ? node->statement : nullptr;
+}
+
+SBD_STATEMENT* statement_of(const SBD_NODE* node, SBD_STATEMENT::STATEMENT_TYPE type) {
+  SBD_STATEMENT* const statement = statement_of(node);
+  return statement != nullptr && statement->type == type ? statement : nullptr;
+}
+
+const SBD_PARA_VALUE* value_of(const SBD_NODE* node) {
+  const SBD_STATEMENT* const statement = statement_of(node, SBD_STATEMENT::ST_ASSIGNMENT);
+  return statement != nullptr ? statement->value : nullptr;
+}
+
+const SBD_PARA_VALUE* value_of(const SBD_NODE* node, SBD_PARA_VALUE::VALUE_TYPE type) {
+  const SBD_PARA_VALUE* const value = value_of(node);
+  return value != nullptr && value->type == type ? value : nullptr;
+}
+
+const SBD_PARA_VALUE* number_of(const SBD_NODE* node) {
+  const SBD_PARA_VALUE* const value = value_of(node);
+  return value != nullptr && value->type <= SBD_PARA_VALUE::VT_FLOAT ? value : nullptr;
+}
+
+// The low 32 bits of a number's whole part; 0 where the number has no place in 64 bits.
+unsigned long low_bits(long double number) {
+  constexpr long double k_two_to_64 = 18446744073709551616.0L;
+  const long double whole = std::trunc(number);
+  if (!(whole > -k_two_to_64 && whole < k_two_to_64)) return 0;
+  const auto magnitude = static_cast<std::uint64_t>(std::fabs(whole));
+  const std::uint64_t bits = whole < 0 ? 0 - magnitude : magnitude;
+  return static_cast<std::uint32_t>(bits);
+}
+
+bool get_number(const SBD_NODE* node, unsigned long& value) {
+  const SBD_PARA_VALUE* const number = number_of(node);
+  if (number == nullptr) return false;
+  const auto multiplier = static_cast<long double>(SBD_FILE_PARSER::get_unit_value(number->unit));
+  value = low_bits(static_cast<long double>(number->number) * multiplier);
+  return true;
+}
+
+bool get_number(const SBD_NODE* node, double& value) {
+  const SBD_PARA_VALUE* const number = number_of(node);
+  if (number == nullptr) return false;
+  value = number->number * static_cast<double>(SBD_FILE_PARSER::get_unit_value(number->unit));
+  return true;
+}
+
+bool get_flag(const SBD_NODE* node, int& value) {
+  const SBD_PARA_VALUE* const flag = value_of(node, SBD_PARA_VALUE::VT_BOOL);
+  if (flag == nullptr) return false;
+  value = static_cast<int>(flag->flag);
+  return true;
+}
+
+bool get_text(const SBD_NODE* node, SBD_STRING& value) {
+  const SBD_PARA_VALUE* const text = value_of(node, SBD_PARA_VALUE::VT_STRING);
+  if (text == nullptr || text->text == nullptr) return false;
+  return sbd_guarded(k_source_file_parser, false, [text, &value] {
+    value = text->text;
+    return true;
+  });
+}
+
+}  // namespace
+
+SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_member(const char* block,
+                                                        const char* parameter) const {
+  if (m_store == nullptr || block == nullptr || parameter == nullptr) return nullptr;
+  return sbd_guarded(k_source_file_parser, static_cast<SBD_NODE*>(nullptr), [=] {
+    SBD_STRING name(block);
+    name += '.';
+    name += parameter;
+    return resolve_name(name, nullptr);
+  });
+}
+
+SBD_FILE_PARSER::SBD_BLOCK* SBD_FILE_PARSER::get_block(const char* name) const {
+  const SBD_NODE* const node = get_ref_object(name, nullptr);
+  return node != nullptr && node->type == SBD_NODE::NT_BLOCK ? node->block : nullptr;
+}
+
+SBD_FILE_PARSER::SBD_STATEMENT* SBD_FILE_PARSER::get_statement(const char* block,
+                                                               const char* parameter) const {
+  return statement_of(find_member(block, parameter));
+}
+
+SBD_FILE_PARSER::SBD_PARA_VALUE* SBD_FILE_PARSER::get_para_value(const char* block,
+                                                                 const char* parameter) const {
+  const SBD_STATEMENT* const statement =
+      statement_of(find_member(block, parameter), SBD_STATEMENT::ST_ASSIGNMENT);
+  return statement != nullptr ? statement->value : nullptr;
+}
+
+SBD_FILE_PARSER::SBD_PARA_ATTR* SBD_FILE_PARSER::get_para_attr(const char* block,
+                                                               const char* parameter) const {
+  const SBD_STATEMENT* const statement =
+      statement_of(find_member(block, parameter), SBD_STATEMENT::ST_ASSIGNMENT);
+  return statement != nullptr ? statement->attributes : nullptr;
+}
+
+SBD_FILE_PARSER::SBD_PARA_REF* SBD_FILE_PARSER::get_para_ref(const char* block,
+                                                             const char* parameter) const {
+  const SBD_STATEMENT* const statement =
+      statement_of(find_member(block, parameter), SBD_STATEMENT::ST_REFERENCE);
+  return statement != nullptr ? statement->reference : nullptr;
+}
+
+bool SBD_FILE_PARSER::is_parameter_defined(const char* block, const char* parameter) const {
+  return get_statement(block, parameter) != nullptr;
+}
+
+bool SBD_FILE_PARSER::is_parameter_defined(const char* name) const {
+  return statement_of(get_ref_object(name, nullptr)) != nullptr;
+}
+
+bool SBD_FILE_PARSER::is_block_defined(const char* name) const {
+  return get_block(name) != nullptr;
+}
+
+bool SBD_FILE_PARSER::is_valid_parameter_name(const char* name) const {
+  if (name == nullptr || !sbd_is(*name, CC_LETTER)) return false;
+  bool is_in_index = false;
+  bool is_behind_index = false;
+  for (const char* next = name + 1; *next != '\0'; ++next) {
+    if (*next == '[' && !is_in_index) {
+      is_in_index = true;
+    } else if (*next == ']' && is_in_index) {
+      is_in_index = false;
+      is_behind_index = true;
+    } else if (sbd_is(*next, CC_NAME_START)) {
+      if (is_in_index || is_behind_index) return false;
+    } else if (sbd_is(*next, CC_DIGIT)) {
+      if (!is_in_index && is_behind_index) return false;
+    } else {
+      return false;
+    }
+  }
+  return !is_in_index;
+}
+
+bool SBD_FILE_PARSER::is_referenced(const char* name) const {
+  return is_referenced(get_ref_object(name, nullptr), m_parser_para.root);
+}
+
+bool SBD_FILE_PARSER::is_referenced(const SBD_NODE* target, const SBD_NODE* first) const {
+  if (target == nullptr || first == nullptr) return false;
+  return sbd_guarded(k_source_file_parser, false, [target, first] {
+    SBD_TREE_WALK walk(const_cast<SBD_NODE*>(first));
+    while (const SBD_NODE* const node = walk.next()) {
+      if (node == target) {
+        walk.skip_members();
+        continue;
+      }
+      const SBD_STATEMENT* const statement = statement_of(node, SBD_STATEMENT::ST_REFERENCE);
+      if (statement == nullptr) continue;
+      for (auto* reference = statement->reference; reference != nullptr;
+           reference = reference->next) {
+        if (reference->target == target) return true;
+      }
+    }
+    return false;
+  });
+}
+
+bool SBD_FILE_PARSER::get_block_type(const char* name, SBD_STRING& type) const {
+  const SBD_BLOCK* const block = get_block(name);
+  if (block == nullptr || block->type == nullptr) return false;
+  return sbd_guarded(k_source_file_parser, false, [block, &type] {
+    type = block->type;
+    return true;
+  });
+}
+
+bool SBD_FILE_PARSER::get_block_type(const char* name, SBD_BLOCK::BLOCK_TYPE& type) const {
+  const SBD_BLOCK* const block = get_block(name);
+  if (block == nullptr) return false;
+  type = block->block_type;
+  return true;
+}
+
+void SBD_FILE_PARSER::get_typed_blocks(const char* type, SBD_STRING_LIST& names,
+                                       const char* scope) const {
+  get_typed_blocks(lookup_block_type(type), names, scope);
+}
+
+void SBD_FILE_PARSER::get_typed_blocks(SBD_BLOCK::BLOCK_TYPE type, SBD_STRING_LIST& names,
+                                       const char* scope) const {
+  names.clear();
+  if (type == SBD_BLOCK::BT_UNKNOWN) return;
+  const SBD_NODE* scope_node = nullptr;
+  if (scope != nullptr) {
+    scope_node = get_ref_object(scope, nullptr);
+    if (scope_node == nullptr) return;
+  }
+  get_typed_blocks(type, names, scope_node);
+}
+
+void SBD_FILE_PARSER::get_typed_blocks(SBD_BLOCK::BLOCK_TYPE type, SBD_STRING_LIST& names,
+                                       const SBD_NODE* scope) const {
+  sbd_guarded(k_source_file_parser, false, [this, type, &names, scope] {
+    SBD_TREE_WALK walk(first_member(scope));
+    while (const SBD_NODE* const node = walk.next()) {
+      if (node->type != SBD_NODE::NT_BLOCK || node->block == nullptr) continue;
+      if (node->block->block_type != type) continue;
+      SBD_STRING name;
+      if (SBD_CHECK(get_ref_name(node, name), "Can not get block ref name from block node",
+                    k_source_file_parser)) {
+        names.push_back(std::move(name));
+      }
+    }
+    return true;
+  });
+}
+
+unsigned long SBD_FILE_PARSER::get_unit_value(SBD_PARA_VALUE::QUANTITY_UNIT unit) noexcept {
+  constexpr unsigned long k_multipliers[] = {1, 1024, 1UL << 20, 1UL << 30, 1, 1000000};
+  constexpr std::size_t k_unit_count = sizeof k_multipliers / sizeof *k_multipliers;
+  return unit < k_unit_count ? k_multipliers[unit] : 1;
+}
+
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter,
+                                unsigned long& value) const {
+  return get_number(find_member(block, parameter), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* name, unsigned long& value) const {
+  return get_number(get_ref_object(name, nullptr), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter, double& value) const {
+  return get_number(find_member(block, parameter), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* name, double& value) const {
+  return get_number(get_ref_object(name, nullptr), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter, int& value) const {
+  return get_flag(find_member(block, parameter), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* name, int& value) const {
+  return get_flag(get_ref_object(name, nullptr), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter,
+                                SBD_STRING& value) const {
+  return get_text(find_member(block, parameter), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* name, SBD_STRING& value) const {
+  return get_text(get_ref_object(name, nullptr), value);
+}
+
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter,
+                                SBD_STRING_LIST& names) const {
+  const SBD_PARA_REF* const first = get_para_ref(block, parameter);
+  if (first == nullptr) return false;
+  return sbd_guarded(k_source_file_parser, false, [first, &names] {
+    SBD_STRING_LIST found;
+    for (const SBD_PARA_REF* reference = first; reference != nullptr; reference = reference->next) {
+      found.emplace_back(reference->name != nullptr ? reference->name : "");
+    }
+    names.splice(names.end(), found);
+    return true;
+  });
+}

@@ -1,0 +1,54 @@
+// What kind of character each byte is, and letter case; the same in every locale.
+#ifndef SBD_READING_SBD_CHARS_H
+#define SBD_READING_SBD_CHARS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+enum SBD_CHAR_CLASS : std::uint8_t {
+  CC_NAME_START = 1,  // letters and "_"
+  CC_DIGIT = 2,
+  CC_BLANK = 4,  // blank, tab, carriage return
+  CC_DOT = 8,
+  CC_LETTER = 16,
+  CC_HEX_LETTER = 32,
+  CC_NAME = CC_NAME_START | CC_DIGIT,
+  CC_QUALIFIED = CC_NAME | CC_DOT
+};
+
+constexpr std::array<std::uint8_t, 256> sbd_make_char_classes() {
+  std::array<std::uint8_t, 256> classes{};
+  for (std::size_t c = 'a'; c <= 'z'; ++c) classes[c] = CC_NAME_START | CC_LETTER;
+  for (std::size_t c = 'A'; c <= 'Z'; ++c) classes[c] = CC_NAME_START | CC_LETTER;
+  for (std::size_t c = '0'; c <= '9'; ++c) classes[c] = CC_DIGIT;
+  for (const char c : {'a', 'b', 'c', 'd', 'e', 'f', 'A', 'B', 'C', 'D', 'E', 'F'}) {
+    classes[static_cast<std::size_t>(c)] |= CC_HEX_LETTER;
+  }
+  classes['_'] = CC_NAME_START;
+  classes['.'] = CC_DOT;
+  classes[' '] = classes['\t'] = classes['\r'] = CC_BLANK;
+  return classes;
+}
+
+inline constexpr std::array<std::uint8_t, 256> k_char_classes = sbd_make_char_classes();
+
+constexpr bool sbd_is(char c, std::uint8_t classes) {
+  return (k_char_classes[static_cast<unsigned char>(c)] & classes) != 0;
+}
+
+constexpr char sbd_to_lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// True when the two are equal, letter case aside. `text` ends with NUL.
+inline bool sbd_equal_ignoring_case(const char* text, std::string_view other) {
+  for (const char c : other) {
+    if (*text == '\0' || sbd_to_lower(*text) != sbd_to_lower(c)) return false;
+    ++text;
+  }
+  return *text == '\0';
+}
+
+#endif

@@ -1,0 +1,140 @@
+// Reading a file or a text into the document.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/msg_sbd.h"
+#include "sbd/reading/sbd_store.h"
+#include "sbd/sbd_file_parser.h"
+#include "sbd/sbd_parser.h"
+
+namespace {
+
+struct FILE_CLOSER {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FILE_HANDLE = std::unique_ptr<std::FILE, FILE_CLOSER>;
+
+struct BUFFER_FREER {
+  void operator()(char* buffer) const { SBD_SOURCE::free(buffer); }
+};
+using SOURCE_BUFFER = std::unique_ptr<char, BUFFER_FREER>;
+
+// A text to be parsed, in a buffer of SBD_SOURCE::allocate.
+struct LOADED_TEXT {
+  SOURCE_BUFFER buffer;
+  std::size_t length = 0;
+};
+
+// How much of the file is left, or 0 where that can't be told (pipes, devices).
+std::size_t rest_of_file(std::FILE* file) {
+  const long here = std::ftell(file);
+  if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) return 0;
+  const long end = std::ftell(file);
+  if (std::fseek(file, here, SEEK_SET) != 0 || end <= here) return 0;
+  return static_cast<std::size_t>(end - here);
+}
+
+// Moves the text into a buffer for `capacity` bytes.
+void enlarge(LOADED_TEXT& text, std::size_t capacity) {
+  SOURCE_BUFFER larger(SBD_SOURCE::allocate(capacity));
+  std::memcpy(larger.get(), text.buffer.get(), text.length);
+  text.buffer = std::move(larger);
+}
+
+// The whole content of the file; false when it can't be read or is too long.
+bool load(std::FILE* file, LOADED_TEXT& text) {
+  constexpr std::size_t k_first_guess = 16 * 1024;
+  // Our buffer is the only one that the bytes need to go through.
+  std::setvbuf(file, nullptr, _IONBF, 0);
+  const std::size_t rest = rest_of_file(file);
+  if (rest > SBD_SOURCE::k_longest) return false;
+  // One byte more than the file has shows its end without another round.
+  std::size_t capacity = rest != 0 ? rest + 1 : k_first_guess;
+  text.buffer.reset(SBD_SOURCE::allocate(capacity));
+  for (;;) {
+    text.length += std::fread(text.buffer.get() + text.length, 1, capacity - text.length, file);
+    if (std::ferror(file) != 0 || text.length > SBD_SOURCE::k_longest) return false;
+    if (text.length < capacity) return true;
+    capacity = std::min(capacity * 2, SBD_SOURCE::k_longest + 1);
+    enlarge(text, capacity);
+  }
+}
+
+}  // namespace
+
+bool SBD_FILE_PARSER::read(const char* path) {
+  if (!SBD_CHECK(path != nullptr, "path != NULL", k_source_file_parser)) return false;
+  return sbd_guarded(k_source_file_parser, false, [this, path] {
+    LOADED_TEXT text;
+    const FILE_HANDLE file(std::fopen(path, "rb"));
+    if (file == nullptr || !load(file.get(), text)) {
+      refuse_file(path);
+      return false;
+    }
+    return read_loaded(text.buffer.release(), text.length, path);
+  });
+}
+
+bool SBD_FILE_PARSER::read_text(const char* text, std::size_t length, const char* name) {
+  if (!SBD_CHECK(text != nullptr && name != nullptr, "text != NULL && name != NULL",
+                 k_source_file_parser)) {
+    return false;
+  }
+  return sbd_guarded(k_source_file_parser, false, [this, text, length, name] {
+    if (length > SBD_SOURCE::k_longest) {
+      refuse_file(name);
+      return false;
+    }
+    char* const buffer = SBD_SOURCE::allocate(length);
+    std::memcpy(buffer, text, length);
+    return read_loaded(buffer, length, name);
+  });
+}
+
+void SBD_FILE_PARSER::refuse_file(const char* name) {
+  if (m_store != nullptr) m_store->has_fault_place = false;
+  post_message(MSG_SBD::E::SBD_FILE_ERROR(name));
+}
+
+bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* name) {
+  SOURCE_BUFFER owned_buffer(buffer);
+  if (m_store == nullptr) return false;
+  char* const name_copy = sbd_copy_text(name);
+  clear();
+  sbd_free_text(m_file_name);
+  m_file_name = name_copy;
+  m_store->source.adopt(owned_buffer.release(), length);
+
+  const bool is_good = sbd_guarded(k_source_file_parser, false, [this] {
+    const std::string_view text = m_store->source.text();
+    sbd_yyFlexLexer scanner(text.data(), text.size(), m_store);
+    scanner.set_file_name(m_file_name);
+    const int result = sbd_yyparse(&scanner, &m_parser_para);
+    return result == 0 && m_parser_para.error_count == 0 && run_checks();
+  });
+  if (!is_good) clear();
+  return is_good;
+}
+
+// The parser has seen whether the checks have anything to say, and has found the parents; the
+// checks proper run when they have messages to post.
+bool SBD_FILE_PARSER::run_checks() {
+  const SBD_PARSE_FACTS& facts = m_store->facts;
+  if (facts.has_duplicate_names) return resolve_symbol(m_parser_para.root, m_parser_para.root);
+  if (facts.has_misplaced_blocks || !find_all_targets()) return check_semantic(m_parser_para.root);
+  m_store->facts.references.release();
+  return true;
+}
+
+bool SBD_FILE_PARSER::find_all_targets() {
+  for (const SBD_STATEMENT* const statement : m_store->facts.references) {
+    for (auto* reference = statement->reference; reference != nullptr;
+         reference = reference->next) {
+      if (!find_target(*reference, *statement)) return false;
+    }
+  }
+  return true;
+}

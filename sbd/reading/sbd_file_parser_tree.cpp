@@ -1,0 +1,170 @@
+// The document's records: making, linking and freeing them.
+#include <new>
+
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_hash.h"
+#include "sbd/reading/sbd_parser_build.h"
+#include "sbd/reading/sbd_store.h"
+#include "sbd/sbd_file_parser.h"
+
+namespace {
+
+struct BLOCK_TYPE_ROW {
+  const char* keyword;
+  SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE type;
+};
+
+constexpr BLOCK_TYPE_ROW k_block_types[] = {
+    {"device", SBD_FILE_PARSER::SBD_BLOCK::BT_DEVICE},
+    {"bus", SBD_FILE_PARSER::SBD_BLOCK::BT_BUS},
+    {"module", SBD_FILE_PARSER::SBD_BLOCK::BT_MODULE},
+    {"slave", SBD_FILE_PARSER::SBD_BLOCK::BT_SLAVE},
+    {"master", SBD_FILE_PARSER::SBD_BLOCK::BT_MASTER},
+    {"region", SBD_FILE_PARSER::SBD_BLOCK::BT_REGION},
+    {"parameters", SBD_FILE_PARSER::SBD_BLOCK::BT_PARAMETERS},
+};
+
+}  // namespace
+
+const char* sbd_version() noexcept {
+#define SBD_TEXT_OF(number) #number
+#define SBD_VERSION_TEXT(major, minor, patch) \
+  SBD_TEXT_OF(major) "." SBD_TEXT_OF(minor) "." SBD_TEXT_OF(patch)
+  return SBD_VERSION_TEXT(SBD_VERSION_MAJOR, SBD_VERSION_MINOR, SBD_VERSION_PATCH);
+}
+
+SBD_FILE_PARSER::SBD_FILE_PARSER() noexcept {
+  try {
+    m_store = new SBD_STORE;
+    m_parser_para.symbol_table =
+        ::new (SBD_RECORD::operator new(sizeof(SBD_SYMBOL_TABLE))) SBD_SYMBOL_TABLE(m_store);
+  } catch (...) {
+    sbd_report_internal_error("out of memory", k_source_file_parser, __LINE__);
+    delete m_store;
+    m_store = nullptr;
+  }
+}
+
+SBD_FILE_PARSER::~SBD_FILE_PARSER() {
+  clear();
+  if (m_parser_para.symbol_table != nullptr) {
+    m_parser_para.symbol_table->~SBD_SYMBOL_TABLE();
+    SBD_RECORD::operator delete(m_parser_para.symbol_table);
+  }
+  delete m_store;
+  sbd_free_text(m_file_name);
+}
+
+void SBD_FILE_PARSER::clear() noexcept {
+  if (m_store == nullptr) return;
+  SBD_SYMBOL_TABLE& table = *m_parser_para.symbol_table;
+  if (m_store->has_foreign) {
+    // Whatever is declared is in the table, and is freed from there.
+    m_store->free_nodes(m_parser_para.root, [](SBD_SYMBOL*) {});
+    for (SBD_SYMBOL* symbol : table) {
+      while (symbol != nullptr) {
+        SBD_SYMBOL* const next = symbol->next;
+        m_store->free_text(symbol->name);
+        m_store->free_record(symbol);
+        symbol = next;
+      }
+    }
+  }
+  table.assign(SBD_SYMBOL_TABLE::k_bucket_count, nullptr);
+  m_store->clear_records();
+  m_store->source.release();
+  m_parser_para.root = nullptr;
+  m_parser_para.error_count = 0;
+}
+
+void SBD_FILE_PARSER::add_node(SBD_NODE* node, SBD_NODE* parent) {
+  if (m_store == nullptr) return;
+  if (!SBD_CHECK(node != nullptr, "node != NULL", k_source_file_parser)) return;
+  const bool is_block = parent == nullptr || parent->type == SBD_NODE::NT_BLOCK;
+  if (!SBD_CHECK(is_block, "parent->type == SBD_FILE_PARSER::SBD_NODE::NT_BLOCK",
+                 k_source_file_parser)) {
+    return;
+  }
+  if (parent != nullptr && !SBD_CHECK(parent->block != nullptr, "parent->block != NULL",
+                                      k_source_file_parser)) {
+    return;
+  }
+  SBD_NODE*& first = parent != nullptr ? parent->block->members : m_parser_para.root;
+  SBD_NODE*& last = parent != nullptr ? parent->block->m_last : m_store->last_root;
+  node->next = nullptr;
+  m_store->has_foreign = true;
+  if (first == nullptr) {
+    first = last = node;
+    return;
+  }
+  if (last == nullptr) last = first;
+  while (last->next != nullptr) last = last->next;
+  last->next = node;
+  m_store->node_links.note_tail(last, node);
+  last = node;
+}
+
+void SBD_FILE_PARSER::delete_node(SBD_NODE* node, SBD_NODE* parent) {
+  if (m_store == nullptr || node == nullptr) return;
+  if (parent != nullptr && (parent->type != SBD_NODE::NT_BLOCK || parent->block == nullptr)) return;
+  SBD_NODE*& first = parent != nullptr ? parent->block->members : m_parser_para.root;
+  SBD_NODE*& last = parent != nullptr ? parent->block->m_last : m_store->last_root;
+  SBD_NODE* previous = nullptr;
+  if (!m_store->node_links.unlink(first, node, &previous)) return;
+  if (last == node) last = previous;
+  free_node(node);
+}
+
+void SBD_FILE_PARSER::free_node(SBD_NODE* node) noexcept {
+  if (m_store == nullptr || node == nullptr) return;
+  node->next = nullptr;
+  m_store->free_nodes(node, [this](SBD_SYMBOL* symbol) { delete_symbol(symbol); });
+}
+
+void SBD_FILE_PARSER::free_para_val(SBD_PARA_VALUE* value) const noexcept {
+  if (m_store != nullptr) m_store->free_value(value);
+}
+
+void SBD_FILE_PARSER::add_symbol(SBD_SYMBOL* symbol) {
+  if (m_store == nullptr || symbol == nullptr) return;
+  if (!SBD_CHECK(symbol->name != nullptr, "name != NULL", k_source_file_parser)) return;
+  sbd_guarded(k_source_file_parser, false, [this, symbol] {
+    sbd_enter_foreign_symbol(symbol, *m_parser_para.symbol_table);
+    return true;
+  });
+}
+
+void SBD_FILE_PARSER::delete_symbol(SBD_SYMBOL* symbol) noexcept {
+  if (m_store == nullptr || symbol == nullptr) return;
+  const bool is_read = m_store->pool.owns(symbol) && symbol->m_tag != 0;
+  if (!is_read && !m_store->names.is_entered(symbol)) return;
+  SBD_SYMBOL_TABLE& table = *m_parser_para.symbol_table;
+  m_store->symbol_links.unlink(table[hash_pjw(symbol->name, table.size())], symbol);
+  m_store->names.remove(symbol);
+  symbol->m_tag = 0;
+  m_store->free_text(symbol->name);
+  m_store->free_record(symbol);
+}
+
+unsigned long SBD_FILE_PARSER::hash_pjw(const char* name, unsigned long size) noexcept {
+  if (!SBD_CHECK(name != nullptr, "name != NULL", k_source_file_parser)) return 0;
+  return size == 0 ? 0 : sbd_hash_pjw(name) % size;
+}
+
+SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE SBD_FILE_PARSER::lookup_block_type(
+    const char* keyword) noexcept {
+  if (keyword == nullptr) return SBD_BLOCK::BT_UNKNOWN;
+  for (const BLOCK_TYPE_ROW& row : k_block_types) {
+    if (sbd_equal_ignoring_case(keyword, row.keyword)) return row.type;
+  }
+  return SBD_BLOCK::BT_UNKNOWN;
+}
+
+void SBD_FILE_PARSER::post_message(MSG_POST* message) noexcept {
+  if (message == nullptr) return;
+  sbd_guarded(k_source_file_parser, false, [message] {
+    message->post(nullptr);
+    return true;
+  });
+  delete message;
+}

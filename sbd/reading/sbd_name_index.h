@@ -1,0 +1,101 @@
+// Finds the symbol of a name in a scope without walking the bucket chains, which grow with the
+// document.
+//
+// What the reader enters never changes its scope and comes block by block: a scope with many
+// members has a small table of its own, made when the block is closed; the members of a small one
+// are simply looked through. What callers and edits enter later goes into one ordered map.
+#ifndef SBD_READING_SBD_NAME_INDEX_H
+#define SBD_READING_SBD_NAME_INDEX_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string_view>
+#include <unordered_map>
+
+#include "sbd/reading/sbd_pool.h"
+#include "sbd/sbd_file_parser.h"
+
+// A name that the reader entered, while the block around it is open.
+struct SBD_OPEN_MEMBER {
+  SBD_FILE_PARSER::SBD_SYMBOL* symbol;
+  std::uint32_t hash;
+};
+
+class SBD_NAME_INDEX {
+ public:
+  using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+  using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
+
+  SBD_NAME_INDEX() = default;
+  SBD_NAME_INDEX(const SBD_NAME_INDEX&) = delete;
+  SBD_NAME_INDEX& operator=(const SBD_NAME_INDEX&) = delete;
+
+  // Scopes are named by their block's node; null is the top level.
+
+  // Closes the scope of `block` (null: the top level): gives its symbols their parent and indexes
+  // them. False when two of them have the same name; the first one is then the one to be found.
+  // `unnamed` tells how many more members the scope has, which declare no name.
+  bool close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last,
+                   std::size_t unnamed, SBD_POOL& pool);
+
+  // The symbol of that name, letter case aside, in that scope which was entered last; null if
+  // there is none. `members` is the scope's first node.
+  SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const;
+
+  // The same among those that the reader entered; of two with one name, the first.
+  SBD_SYMBOL* find_read(const SBD_NODE* scope, const SBD_NODE* members,
+                        std::string_view name) const;
+
+  // True when a symbol of the same name and scope was entered before `symbol`.
+  bool has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const;
+
+  // Enters a symbol that the reader did not make.
+  void enter(SBD_SYMBOL* symbol);
+  // True for a symbol that `enter` has entered.
+  bool is_entered(const SBD_SYMBOL* symbol) const { return m_entries.count(symbol) != 0; }
+  // True when any symbol is entered that the reader did not make.
+  bool has_entered() const { return !m_entries.empty(); }
+  // Forgets a symbol, whoever made it.
+  void remove(SBD_SYMBOL* symbol) noexcept;
+  // Takes notice of a symbol's new parent.
+  void rescope(SBD_SYMBOL* symbol);
+
+  void clear() noexcept;
+
+  // The scope that a symbol's parent stands for: null at top level. A symbol without parent is in
+  // no scope at all, not even at top level.
+  static const SBD_NODE* scope_of(const SBD_SYMBOL* symbol) {
+    return symbol->parent == symbol->node ? nullptr : symbol->parent;
+  }
+
+ private:
+  struct SCOPE_TABLE;
+  struct KEY {
+    const SBD_NODE* scope;
+    bool is_scoped;
+    std::string_view name;
+    std::uint64_t serial;  // Grows with every entry.
+  };
+  struct KEY_LESS {
+    bool operator()(const KEY& left, const KEY& right) const;
+  };
+  using ENTRY_MAP =
+      std::map<KEY, SBD_SYMBOL*, KEY_LESS, SBD_ALLOCATOR<std::pair<const KEY, SBD_SYMBOL*>>>;
+  using ENTRIES =
+      std::unordered_map<const SBD_SYMBOL*, ENTRY_MAP::iterator, std::hash<const SBD_SYMBOL*>,
+                         std::equal_to<const SBD_SYMBOL*>,
+                         SBD_ALLOCATOR<std::pair<const SBD_SYMBOL* const, ENTRY_MAP::iterator>>>;
+
+  static KEY key_of(const SBD_SYMBOL* symbol, std::uint64_t serial);
+  const SCOPE_TABLE* table_of(const SBD_NODE* scope) const;
+  const ENTRY_MAP::value_type* last_entered(const SBD_NODE* scope, std::string_view name) const;
+
+  SCOPE_TABLE* m_top_table = nullptr;
+  ENTRY_MAP m_by_name;
+  ENTRIES m_entries;
+  std::uint64_t m_serial = 0;
+};
+
+#endif

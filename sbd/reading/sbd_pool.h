@@ -1,0 +1,57 @@
+// Memory for what a read makes: a few chunks from the host, handed out from front to back and given
+// back all at once.
+#ifndef SBD_READING_SBD_POOL_H
+#define SBD_READING_SBD_POOL_H
+
+#include <cstddef>
+
+#include "sbd/sbd_memory.h"
+
+class SBD_POOL {
+ public:
+  SBD_POOL() = default;
+  ~SBD_POOL() { release(); }
+  SBD_POOL(const SBD_POOL&) = delete;
+  SBD_POOL& operator=(const SBD_POOL&) = delete;
+
+  // `size` bytes, aligned for records.
+  void* take(std::size_t size) {
+    size = (size + k_alignment - 1) & ~(k_alignment - 1);
+    if (size > static_cast<std::size_t>(m_end - m_next)) add_chunk(size);
+    void* const taken = m_next;
+    m_next += size;
+    return taken;
+  }
+
+  // Makes room for about `size` bytes in one chunk.
+  void reserve(std::size_t size) {
+    if (size > static_cast<std::size_t>(m_end - m_next)) add_chunk(size);
+  }
+
+  // True for an address inside this pool's chunks.
+  bool owns(const void* address) const noexcept;
+
+  // Gives every chunk back to the host.
+  void release() noexcept;
+
+  // Bytes of all chunks.
+  std::size_t size() const { return m_size; }
+
+ private:
+  static constexpr std::size_t k_alignment = 8;
+  static constexpr std::size_t k_least_chunk = 1024;
+
+  struct CHUNK {
+    CHUNK* next;
+    char* end;
+  };
+
+  void add_chunk(std::size_t least);
+
+  CHUNK* m_chunks = nullptr;
+  char* m_next = nullptr;
+  char* m_end = nullptr;
+  std::size_t m_size = 0;
+};
+
+#endif

@@ -1,0 +1,104 @@
+#include "sbd/reading/sbd_store.h"
+
+#include <algorithm>
+#include <cstring>
+
+using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
+using SBD_VALUE_LIST = SBD_FILE_PARSER::SBD_VALUE_LIST;
+
+char* sbd_copy_text(const char* text) {
+  if (text == nullptr) return nullptr;
+  const std::size_t size = std::strlen(text) + 1;
+  char* const copy = SBD_ALLOCATOR<char>().allocate(size);
+  std::memcpy(copy, text, size);
+  return copy;
+}
+
+void sbd_free_text(char* text) noexcept { SBD_ALLOCATOR<char>().deallocate(text, 0); }
+
+char* SBD_STORE::copy(std::string_view text) {
+  auto* const copy = static_cast<char*>(pool.take(text.size() + 1));
+  std::memcpy(copy, text.data(), text.size());
+  copy[text.size()] = '\0';
+  return copy;
+}
+
+SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t count) {
+  auto* const list = make<SBD_VALUE_LIST>();
+  list->m_items = static_cast<SBD_PARA_VALUE**>(pool.take(count * sizeof(SBD_PARA_VALUE*)));
+  std::copy_n(first, count, list->m_items);
+  list->m_size = static_cast<std::uint32_t>(count);
+  return list;
+}
+
+void SBD_VALUE_LIST::push_back(SBD_PARA_VALUE* value) {
+  if (m_size >= m_capacity) {
+    // A list of the reader's leaves its items in the document's memory when it grows.
+    const std::uint32_t capacity = std::max<std::uint32_t>(4, m_size * 2);
+    auto** const items = SBD_ALLOCATOR<SBD_PARA_VALUE*>().allocate(capacity);
+    std::copy_n(m_items, m_size, items);
+    if (m_capacity != 0) SBD_ALLOCATOR<SBD_PARA_VALUE*>().deallocate(m_items, m_capacity);
+    m_items = items;
+    m_capacity = capacity;
+  }
+  m_items[m_size++] = value;
+}
+
+void SBD_STORE::free_value(SBD_PARA_VALUE* value) const noexcept {
+  SBD_VALUE_LIST* left = nullptr;  // Lists whose elements are still to be freed.
+  const auto free_one = [this, &left](SBD_PARA_VALUE* one) {
+    if (one == nullptr) return;
+    if (one->type == SBD_PARA_VALUE::VT_STRING) free_text(one->text);
+    if (one->type == SBD_PARA_VALUE::VT_LIST && one->list != nullptr) {
+      one->list->m_next_to_free = left;
+      left = one->list;
+    }
+    free_record(one);
+  };
+
+  free_one(value);
+  while (left != nullptr) {
+    SBD_VALUE_LIST* const list = left;
+    left = list->m_next_to_free;
+    for (SBD_PARA_VALUE* const element : *list) free_one(element);
+    if (list->m_capacity != 0) {
+      SBD_ALLOCATOR<SBD_PARA_VALUE*>().deallocate(list->m_items, list->m_capacity);
+    }
+    free_record(list);
+  }
+}
+
+void SBD_STORE::free_statement(SBD_STATEMENT* statement) const noexcept {
+  free_text(statement->comment);
+  if (statement->type == SBD_STATEMENT::ST_ASSIGNMENT) {
+    free_value(statement->value);
+    for (auto* attribute = statement->attributes; attribute != nullptr;) {
+      auto* const next = attribute->next;
+      free_text(attribute->attr_key);
+      free_text(attribute->attr_value);
+      free_record(attribute);
+      attribute = next;
+    }
+  } else if (statement->type == SBD_STATEMENT::ST_REFERENCE) {
+    for (auto* reference = statement->reference; reference != nullptr;) {
+      auto* const next = reference->next;
+      free_text(reference->name);
+      free_record(reference);
+      reference = next;
+    }
+  }
+  free_record(statement);
+}
+
+void SBD_STORE::clear_records() noexcept {
+  names.clear();
+  node_links.clear();
+  symbol_links.clear();
+  facts.clear();
+  open_members.release();
+  pool.release();
+  last_root = nullptr;
+  has_foreign = false;
+  has_fault_place = false;
+}

@@ -1,0 +1,142 @@
+// What a document keeps besides the records that callers see.
+#ifndef SBD_READING_SBD_STORE_H
+#define SBD_READING_SBD_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string_view>
+
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_back_links.h"
+#include "sbd/reading/sbd_name_index.h"
+#include "sbd/reading/sbd_pool.h"
+#include "sbd/reading/sbd_scratch.h"
+#include "sbd/reading/sbd_source.h"
+#include "sbd/sbd_file_parser.h"
+
+// What the parser noticed while it built the tree. The checks that post messages run only when
+// there is something to say.
+struct SBD_PARSE_FACTS {
+  bool has_duplicate_names = false;
+  bool has_misplaced_blocks = false;
+  SBD_SCRATCH<SBD_FILE_PARSER::SBD_STATEMENT*, 16> references;  // In file order.
+
+  void clear() noexcept {
+    has_duplicate_names = false;
+    has_misplaced_blocks = false;
+    references.release();
+  }
+};
+
+class SBD_STORE {
+ public:
+  using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+  using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
+  using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+  using SBD_VALUE_LIST = SBD_FILE_PARSER::SBD_VALUE_LIST;
+
+  SBD_STORE() = default;
+  SBD_STORE(const SBD_STORE&) = delete;
+  SBD_STORE& operator=(const SBD_STORE&) = delete;
+
+  static void* operator new(std::size_t size) { return SBD_RECORD::operator new(size); }
+  static void operator delete(void* store) noexcept { SBD_RECORD::operator delete(store); }
+
+  // A record of the reader's, in the pool.
+  template <class T>
+  T* make() {
+    return ::new (pool.take(sizeof(T))) T;
+  }
+  // A copy of a token's text, in the pool.
+  char* copy(std::string_view text);
+  // A list of the values, in the pool.
+  SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count);
+
+  // 1 + the offset of a place in the source.
+  std::uint32_t position_of(const char* place) const { return source.offset_of(place) + 1; }
+
+  // Give back what a record holds. What lies in the pool stays there until it is released.
+  void free_text(char* text) const noexcept {
+    if (text != nullptr && !pool.owns(text)) sbd_free_text(text);
+  }
+  template <class T>
+  void free_record(T* record) const noexcept {
+    if (!pool.owns(record)) delete record;
+  }
+  void free_value(SBD_PARA_VALUE* value) const noexcept;
+
+  // Frees a chain of nodes with all that they hold except their symbols, each of which is given
+  // to `symbol_done` (nothing may be linked to it any more).
+  template <class SYMBOL_DONE>
+  void free_nodes(SBD_NODE* chain, SYMBOL_DONE&& symbol_done) noexcept;
+
+  // 1 + the offset of a node's declared name; 0 when it was not read.
+  std::uint32_t name_position(const SBD_NODE* node) const;
+
+  // Notes where the next message belongs: nowhere for a position of 0.
+  void set_fault(std::uint32_t position, std::size_t length) {
+    has_fault_place = position != 0;
+    fault_offset = position - std::size_t{1};
+    fault_length = length;
+  }
+
+  // Empties everything but the source.
+  void clear_records() noexcept;
+
+  SBD_POOL pool;
+  SBD_SOURCE source;
+  SBD_NAME_INDEX names;
+  SBD_BACK_LINKS<SBD_NODE> node_links;
+  SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;
+  SBD_PARSE_FACTS facts;
+  SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // While reading: names whose scope is open.
+  SBD_NODE* last_root = nullptr;  // Last top-level node, as far as known.
+  bool has_foreign = false;       // Something in the tree or the table lies outside the pool.
+
+  bool has_fault_place = false;  // Where the message posted last belongs.
+  std::size_t fault_offset = 0;
+  std::size_t fault_length = 0;
+
+ private:
+  void free_statement(SBD_FILE_PARSER::SBD_STATEMENT* statement) const noexcept;
+};
+
+template <class SYMBOL_DONE>
+void SBD_STORE::free_nodes(SBD_NODE* chain, SYMBOL_DONE&& symbol_done) noexcept {
+  // Members are put in front of what is left to free, so that depth costs no stack.
+  SBD_NODE* left = chain;
+  while (left != nullptr) {
+    SBD_NODE* const node = left;
+    left = node->next;
+    node_links.drop(node);
+    switch (node->type) {
+      case SBD_NODE::NT_BLOCK:
+        if (node->block == nullptr) break;
+        if (node->block->members != nullptr) {
+          SBD_NODE* last = node->block->members;
+          while (last->next != nullptr) last = last->next;
+          last->next = left;
+          left = node->block->members;
+        }
+        symbol_done(node->block->name);
+        free_text(node->block->type);
+        free_record(node->block);
+        break;
+      case SBD_NODE::NT_STATEMENT:
+        if (node->statement == nullptr) break;
+        symbol_done(node->statement->name);
+        free_statement(node->statement);
+        break;
+      case SBD_NODE::NT_COMMENT:
+        free_text(node->comment);
+        break;
+      default:
+        sbd_report_internal_error("Invalid node type\n", k_source_file_parser, __LINE__);
+        break;
+    }
+    free_record(node);
+  }
+}
+
+#endif
