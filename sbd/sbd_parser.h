@@ -109,10 +109,11 @@ class SBD_API sbd_yyFlexLexer : public FlexLexer {
   START_CONDITION m_condition = NORMAL;
 };
 
-// Parses what `scanner`, an sbd_yyFlexLexer, scans into `parser_para`, an SBD_PARSER_PARA that
-// belongs to a document: the root is set, the declared names are entered, syntax errors are posted
-// and counted. Returns 0 when the input was parsed to its end, with or without errors that could
-// be recovered from, and 1 when it was given up. After an error there is no tree.
+// Parses the input of `scanner`, an sbd_yyFlexLexer that has scanned nothing yet, into
+// `parser_para`, the SBD_PARSER_PARA of an empty document: the root is set, the declared names are
+// entered, syntax errors are posted and counted. Returns 0 when the input was parsed to its end,
+// with or without errors that could be recovered from, and 1 when it was given up. After an error
+// there is no tree. The document keeps a copy of the text unless the text is its own.
 SBD_API int sbd_yyparse(FlexLexer* scanner, void* parser_para);
 
 // The parser's error routine: counts a syntax error at the scanner's current match and posts it.

@@ -1,6 +1,7 @@
 // The parser's entry and its error routine.
 #include "sbd/sbd_parser.h"
 
+#include <algorithm>
 #include <string>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
@@ -13,11 +14,13 @@ using SBD_PARSER_PARA = SBD_FILE_PARSER::SBD_PARSER_PARA;
 
 namespace {
 
-// A document that nothing stands in yet, and a text that it keeps: what the quick parser builds on.
-bool can_build(const sbd_yyFlexLexer& scanner, const SBD_PARSER_PARA& para) {
-  const SBD_STORE* const store = scanner.origin();
-  return store != nullptr && para.symbol_table != nullptr && para.symbol_table->store() == store &&
-         store->source.text().data() == scanner.input().data() && para.root == nullptr;
+// Makes the document keep the scanner's text, unless it does already.
+void keep_text(sbd_yyFlexLexer& scanner, SBD_STORE& store) {
+  const std::string_view input = scanner.input();
+  if (store.source.text().data() == input.data()) return;
+  char* const buffer = SBD_SOURCE::allocate(input.size());
+  std::copy(input.begin(), input.end(), buffer);
+  store.source.adopt(buffer, input.size());
 }
 
 void drop_tree(SBD_STORE& store, SBD_PARSER_PARA& para) {
@@ -35,11 +38,18 @@ int sbd_yyparse(FlexLexer* lexer, void* parser_para) {
                  k_source_parser)) {
     return 1;
   }
-  if (can_build(*scanner, *para)) {
-    SBD_STORE& store = *scanner->origin();
-    if (sbd_parse_faultless(scanner->input(), store, *para)) return 0;
-    drop_tree(store, *para);
+  if (!SBD_CHECK(para->symbol_table != nullptr && para->symbol_table->store() != nullptr,
+                 "symbol_table != NULL", k_source_parser)) {
+    return 1;
   }
+  if (!SBD_CHECK(para->root == nullptr && scanner->yy_location().length == 0,
+                 "root == NULL && yy_location.length == 0", k_source_parser)) {
+    return 1;
+  }
+  SBD_STORE& store = *para->symbol_table->store();
+  keep_text(*scanner, store);
+  if (sbd_parse_faultless(store.source.text(), store, *para)) return 0;
+  drop_tree(store, *para);
   scanner->set_parser_para(para);
   return sbd_run_automaton(*scanner, para);
 }

@@ -144,20 +144,20 @@ void match_blank_space(std::string_view text, MATCH& match) {
   if (sbd_is(text[0], CC_BLANK)) match.improve(k_skipped, length_while(text, 0, CC_BLANK));
 }
 
-// The longest match at the begin of `text`, which is not empty.
+// The longest match at the begin of `text`, which is not empty. Of equally long ones the first one
+// tried here wins, so that "true" is a Boolean word and ".5" a name.
 MATCH match_token(std::string_view text, sbd_yyFlexLexer::START_CONDITION condition) {
   MATCH match;
   match_blank_space(text, match);
+  if (condition != sbd_yyFlexLexer::UNIT) {
+    const bool is_tail = condition == sbd_yyFlexLexer::TAIL;
+    match_comment(text, is_tail ? SBD_TOK_COMMENT_TAIL : SBD_TOK_COMMENT_LINE, match);
+    match_names(text, match);
+    match_string(text, match);
+  }
   match_numbers(text, match);
   match_punctuation(text, match);
-  if (condition == sbd_yyFlexLexer::UNIT) {
-    match_units(text, match);
-    return match;
-  }
-  const bool is_tail = condition == sbd_yyFlexLexer::TAIL;
-  match_comment(text, is_tail ? SBD_TOK_COMMENT_TAIL : SBD_TOK_COMMENT_LINE, match);
-  match_names(text, match);
-  match_string(text, match);
+  if (condition == sbd_yyFlexLexer::UNIT) match_units(text, match);
   return match;
 }
 

@@ -27,7 +27,7 @@ using namespace std::string_literals;
 
 constexpr std::size_t k_accepted_count = 4000;
 constexpr std::size_t k_valid_count = 4000;
-constexpr std::size_t k_mutation_count = 40000;
+constexpr std::size_t k_mutation_count = 30000;
 constexpr std::size_t k_soup_count = 30000;
 constexpr std::size_t k_large_count = 8;
 constexpr std::size_t k_deep_count = 40;
@@ -264,7 +264,7 @@ const char k_every_construct[] =
     "  a = 1; # tail\n"
     "  b = +5K;c=0x1fMB; e = 017GB [k, l m.n];\n"
     "  f = { {0b10, -.5MHz}, \"s\n#\", foo , true};#t\n"
-    "  r[0][1] < d.a, .b, c >; # refs\n"
+    "  r[0][1] < d.a, .b, d >; # refs\n"
     "  module m { g = -7hz[q .w]; h = False; }\n"
     "}\n"
     "device e{x=1;}\n";

@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Fails when a folder includes what it must not know: tools -> sbd -> h, host -> h."""
+
+import pathlib
+import re
+import sys
+
+KNOWS = {
+    "h": {"h"},
+    "host": {"h", "host"},
+    "sbd": {"h", "sbd"},
+    "tools": {"h", "host", "sbd", "tools"},
+}
+# Folders of the library: each may include itself and those named here.
+LIBRARY_KNOWS = {
+    "diagnostics": set(),
+    "reading": {"diagnostics"},
+    "access": {"diagnostics", "reading"},
+}
+
+root = pathlib.Path(sys.argv[1])
+faults = []
+checked = 0
+for folder, known in KNOWS.items():
+    for file in sorted(root.glob(f"{folder}/**/*.h")) + sorted(root.glob(f"{folder}/**/*.cpp")):
+        checked += 1
+        parts = file.relative_to(root).parts
+        for line in file.read_text().splitlines():
+            include = re.match(r'\s*#include "([^"]+)"', line)
+            if not include:
+                continue
+            target = include.group(1).split("/")
+            place = file.relative_to(root)
+            if target[0] not in known:
+                faults.append(f"{place} includes {include.group(1)}")
+            is_inner = parts[0] == "sbd" and target[0] == "sbd" and len(target) == 3
+            if is_inner and len(parts) == 2:
+                faults.append(f"{place}, a public header, includes {include.group(1)}")
+            elif is_inner and target[1] not in LIBRARY_KNOWS[parts[1]] | {parts[1]}:
+                faults.append(f"{place} includes {include.group(1)}")
+if not checked:
+    faults.append("no file found")
+sys.exit("\n".join(faults) if faults else 0)
