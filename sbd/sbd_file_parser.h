@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 
 #include "h/msg_service.h"
@@ -40,11 +41,12 @@ class SBD_API SBD_FILE_PARSER {
 
   // A block, a statement or a line of comment.
   struct SBD_NODE : SBD_RECORD {
-    enum NODE_TYPE : std::uint32_t { NT_BLOCK = 0, NT_STATEMENT = 1, NT_COMMENT = 2 };
+    enum NODE_TYPE : std::uint16_t { NT_BLOCK = 0, NT_STATEMENT = 1, NT_COMMENT = 2 };
 
     NODE_TYPE type = NT_COMMENT;
-    std::uint32_t m_position = 0;  // 1 + offset in the source; 0 when no file was read for it.
-    SBD_NODE* next = nullptr;      // The next sibling.
+    std::uint16_t m_references = 0;  // How many references have found this node; 65535 for more.
+    std::uint32_t m_position = 0;    // 1 + offset in the source; 0 when no file was read for it.
+    SBD_NODE* next = nullptr;        // The next sibling.
     union {
       SBD_BLOCK* block = nullptr;  // NT_BLOCK
       SBD_STATEMENT* statement;    // NT_STATEMENT
@@ -166,9 +168,9 @@ class SBD_API SBD_FILE_PARSER {
 
     std::uint32_t line = 0;  // Line of the declaring name; 0 when no file was read for it.
     SYMBOL_TYPE type = SYM_PARAMETER;
-    std::uint16_t m_tag = 0;  // Digest of the name; not 0 just for names that the reader entered.
-    char* name = nullptr;     // As written.
-    SBD_NODE* node = nullptr;    // The node that declares the name.
+    std::uint16_t m_tag = 0;   // Digest of the name; not 0 just for names that the reader entered.
+    char* name = nullptr;      // As written.
+    SBD_NODE* node = nullptr;  // The node that declares the name.
     SBD_NODE* parent = nullptr;  // The enclosing block's node; the own node at top level; null
                                  // until resolve_symbol has run.
     SBD_SYMBOL* next = nullptr;  // The next symbol of the bucket.
@@ -223,6 +225,14 @@ class SBD_API SBD_FILE_PARSER {
   // one of 4 GiB or more. Syntax errors, and after a clean parse all faults of declarations, then
   // all of blocks and references, are posted, and leave the document empty.
   virtual bool read(const char* path);
+
+  // Writes the document to the file at `path`, or to standard output when `path` is null, in the
+  // library's own layout: four blanks per level, braces on lines of their own, an empty line behind
+  // each block. Standard output is closed afterwards. False, after posting SBD_FILE_ERROR, when the
+  // file can't be opened; errors while writing are not noticed. Reading the file back gives the
+  // same tree, except for what the format has no form for (a block without members, a list of less
+  // than two elements, decimals behind the sixth).
+  virtual bool write(const char* path) const;
 
   // The same for a text of `length` bytes that the caller holds; `name` stands for the file in
   // messages. The text is copied.
@@ -357,6 +367,84 @@ class SBD_API SBD_FILE_PARSER {
   // The names of a reference statement, as written, appended to the list.
   bool get_value(const char* block, const char* parameter, SBD_STRING_LIST& names) const;
 
+  // ---- Writing -----------------------------------------------------------------------------
+
+  // Writes the siblings from `node` on, which stand at nesting level `indent`, to an open stream.
+  // Always true. A broken record (a block without name, an unknown kind) is an internal error, and
+  // the rest is written.
+  bool write(std::FILE* stream, SBD_NODE* node, unsigned long indent) const;
+
+  // Writes one value in the base it was given in, with its unit.
+  void write(std::FILE* stream, SBD_PARA_VALUE* value) const;
+
+  // ---- Editing -----------------------------------------------------------------------------
+  //
+  // Blocks are named by their full names, parameters by their names inside the block. A refused
+  // edit posts one SBD_ERROR (or, where said, one SBD_WARNING) that tells why, returns false and
+  // leaves the document as it was. What an edit makes has line 0 and no place in the source.
+
+  // Sets a parameter of the block, or adds it at the block's end. The value must be of a kind that
+  // the parameter's present value can give way to: a number replaces numbers and lists, a Boolean a
+  // Boolean, a text a text. Attributes and comment are kept.
+  //
+  // A number in base 2, 8, 10 or 16, not scaled by its unit. Any other base counts as 10 and posts
+  // a warning. Beyond 32 bits the low 32 bits are written.
+  bool set_value(const char* block, const char* parameter, unsigned long value, unsigned char base,
+                 SBD_PARA_VALUE::QUANTITY_UNIT unit);
+  // A floating number, not scaled by its unit; written with six decimals.
+  bool set_value(const char* block, const char* parameter, double value,
+                 SBD_PARA_VALUE::QUANTITY_UNIT unit);
+  // A Boolean: 1 is true; any other value is kept and written as false.
+  bool set_value(const char* block, const char* parameter, int value);
+  // A text, written as it is: an identifier, or a text in its own double quotes.
+  bool set_value(const char* block, const char* parameter, const SBD_STRING& value);
+  // The elements of a reference statement, in order, instead of those it has. Every name must be
+  // that of an object of the document.
+  bool set_value(const char* block, const char* parameter, const SBD_STRING_LIST& names);
+
+  // A deep copy of any value, lists included, with its kind and unit; a list gives way to a number
+  // and a number to a list. The value must be whole: elements, texts and lists not null.
+  bool set_para_value(const char* block, const char* parameter, const SBD_PARA_VALUE& value);
+
+  // Moves a block or statement in front of another member of the same scope, or behind it. False,
+  // without a message, when either is unknown, both are the same, or their scopes differ.
+  bool move_member(const char* name, const char* sibling, bool is_behind);
+
+  // Whether such a statement may be set: on success the block's node and the statement's, or null
+  // for a statement that does not exist yet. Posts the refusal otherwise.
+  bool set_value_check(const char* block, const char* parameter, SBD_STATEMENT::STATEMENT_TYPE type,
+                       SBD_NODE** block_node, SBD_NODE** para_node) const;
+
+  // Replaces all attributes of a parameter by copies of the given chain; null removes them.
+  bool set_attribute(const char* block, const char* parameter, const SBD_PARA_ATTR* attributes);
+  // Removes all attributes of a parameter; a refusal is posted as a warning.
+  void delete_attribute(const char* block, const char* parameter);
+
+  // Deletes a statement. Nothing happens when there is none of that name; a block of that name is a
+  // warning; a statement that references name is an error, and stays.
+  void delete_parameter(const char* block, const char* parameter);
+
+  // Adds an empty block at the end of `parent`, or at top level when `parent` is null, where only a
+  // device block may stand.
+  bool create_block(const char* type, const char* name, const char* parent);
+
+  // Deletes a block with all that it holds. Nothing happens when the name is unknown; a statement
+  // of that name is a warning; a block that references from outside name is an error, and stays.
+  // References to what is inside the block are not looked for: remove them first, since their
+  // targets are gone afterwards.
+  void delete_block(const char* name);
+
+  // Renames a block or statement of `scope` (null: at top level). False, without a message, when
+  // the new name is taken or not well formed or the old one unknown. References keep their targets
+  // and their text.
+  bool rename(const char* old_name, const char* new_name, const char* scope);
+
+  // Removes all references to the named object from outside it. A reference statement that has none
+  // left is deleted.
+  void delete_reference(const char* name);
+  // The same among the siblings from `first` on and in the blocks below them.
+  void delete_reference(const SBD_NODE* target, SBD_NODE* first);
+
   // ---- Positions ---------------------------------------------------------------------------
   //
   // Where in the text of the last successful read something stands. False, and nothing written,
@@ -399,6 +487,16 @@ class SBD_API SBD_FILE_PARSER {
   SBD_NODE* first_member(const SBD_NODE* scope) const;
   SBD_NODE* resolve_name(std::string_view ref, const SBD_NODE* scope) const;
   SBD_NODE* find_member(const char* block, const char* parameter) const;
+  void link_node(SBD_NODE* node, SBD_NODE* parent) noexcept;
+  template <class CHANGE>
+  bool change_value(const char* block, const char* parameter, std::uint32_t kinds, CHANGE&& change);
+  SBD_STATEMENT* add_statement(SBD_NODE* block_node, const char* parameter,
+                               SBD_STATEMENT::STATEMENT_TYPE type);
+  void add_block(SBD_BLOCK::BLOCK_TYPE block_type, const char* type, const char* name,
+                 SBD_NODE* parent);
+  SBD_SYMBOL** name_slot(SBD_NODE* node) const;
+  SBD_PARA_VALUE* copy_value(const SBD_PARA_VALUE& value) const;
+  bool remove_references(SBD_STATEMENT& statement, const SBD_NODE* target);
   bool make_range(std::uint32_t position, std::size_t end, SBD_SOURCE_RANGE& range) const;
   std::size_t line_end(std::size_t begin) const;
   const char* message_file_name() const { return m_file_name != nullptr ? m_file_name : ""; }

@@ -40,10 +40,9 @@ bool SBD_FILE_PARSER::get_ref_name(const SBD_NODE* node, SBD_STRING& name) const
   if (node == nullptr || node->type == SBD_NODE::NT_COMMENT) return false;
   const bool is_statement = node->type == SBD_NODE::NT_STATEMENT;
   const bool is_known = is_statement || node->type == SBD_NODE::NT_BLOCK;
-  const bool has_known_type =
-      is_known && (!is_statement || node->statement == nullptr ||
-                   node->statement->type == SBD_STATEMENT::ST_ASSIGNMENT ||
-                   node->statement->type == SBD_STATEMENT::ST_REFERENCE);
+  const bool has_known_type = is_known && (!is_statement || node->statement == nullptr ||
+                                           node->statement->type == SBD_STATEMENT::ST_ASSIGNMENT ||
+                                           node->statement->type == SBD_STATEMENT::ST_REFERENCE);
   if (!SBD_CHECK(has_known_type, "Invalid statement type", k_source_file_parser)) return false;
 
   return sbd_guarded(k_source_file_parser, false, [node, &name] {

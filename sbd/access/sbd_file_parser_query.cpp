@@ -1,8 +1,7 @@
 // Questions about a document: kinds, lists of blocks, references, typed values.
-#include <cmath>
-
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_file_parser.h"
@@ -37,21 +36,31 @@ const SBD_PARA_VALUE* number_of(const SBD_NODE* node) {
   return value != nullptr && value->type <= SBD_PARA_VALUE::VT_FLOAT ? value : nullptr;
 }
 
-// The low 32 bits of a number's whole part; 0 where the number has no place in 64 bits.
-unsigned long low_bits(long double number) {
-  constexpr long double k_two_to_64 = 18446744073709551616.0L;
-  const long double whole = std::trunc(number);
-  if (!(whole > -k_two_to_64 && whole < k_two_to_64)) return 0;
-  const auto magnitude = static_cast<std::uint64_t>(std::fabs(whole));
-  const std::uint64_t bits = whole < 0 ? 0 - magnitude : magnitude;
-  return static_cast<std::uint32_t>(bits);
+// How many elements of a node refer to `target`, when it is a reference statement.
+std::size_t count_references(const SBD_NODE* node, const SBD_NODE* target) {
+  const SBD_STATEMENT* const statement = statement_of(node, SBD_STATEMENT::ST_REFERENCE);
+  if (statement == nullptr) return 0;
+  std::size_t count = 0;
+  for (auto* reference = statement->reference; reference != nullptr; reference = reference->next) {
+    if (reference->target == target) ++count;
+  }
+  return count;
+}
+
+// How many references to a block stand in the block itself.
+std::size_t references_inside(const SBD_NODE* target) {
+  if (target->m_references == 0) return 0;
+  std::size_t count = 0;
+  SBD_TREE_WALK walk(sbd_members_of(target));
+  while (const SBD_NODE* const node = walk.next()) count += count_references(node, target);
+  return count;
 }
 
 bool get_number(const SBD_NODE* node, unsigned long& value) {
   const SBD_PARA_VALUE* const number = number_of(node);
   if (number == nullptr) return false;
   const auto multiplier = static_cast<long double>(SBD_FILE_PARSER::get_unit_value(number->unit));
-  value = low_bits(static_cast<long double>(number->number) * multiplier);
+  value = sbd_low_bits(static_cast<long double>(number->number) * multiplier);
   return true;
 }
 
@@ -160,19 +169,17 @@ bool SBD_FILE_PARSER::is_referenced(const char* name) const {
 }
 
 bool SBD_FILE_PARSER::is_referenced(const SBD_NODE* target, const SBD_NODE* first) const {
-  if (target == nullptr || first == nullptr) return false;
-  return sbd_guarded(k_source_file_parser, false, [target, first] {
+  if (m_store == nullptr || target == nullptr || first == nullptr) return false;
+  return sbd_guarded(k_source_file_parser, false, [this, target, first] {
+    if (first == m_parser_para.root && m_store->counts_references(target)) {
+      return target->m_references > references_inside(target);
+    }
     SBD_TREE_WALK walk(const_cast<SBD_NODE*>(first));
     while (const SBD_NODE* const node = walk.next()) {
       if (node == target) {
         walk.skip_members();
-        continue;
-      }
-      const SBD_STATEMENT* const statement = statement_of(node, SBD_STATEMENT::ST_REFERENCE);
-      if (statement == nullptr) continue;
-      for (auto* reference = statement->reference; reference != nullptr;
-           reference = reference->next) {
-        if (reference->target == target) return true;
+      } else if (count_references(node, target) != 0) {
+        return true;
       }
     }
     return false;
@@ -260,8 +267,7 @@ bool SBD_FILE_PARSER::get_value(const char* name, int& value) const {
   return get_flag(get_ref_object(name, nullptr), value);
 }
 
-bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter,
-                                SBD_STRING& value) const {
+bool SBD_FILE_PARSER::get_value(const char* block, const char* parameter, SBD_STRING& value) const {
   return get_text(find_member(block, parameter), value);
 }
 

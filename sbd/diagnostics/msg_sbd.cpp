@@ -39,13 +39,11 @@ constexpr CATALOGUE_ROW k_vel_module_error = {
     7,
     "Module blocks that define Veldran embedded processor stripe in System Build Descriptor File "
     "cannot be used because %1!s!/ESBD_SBD_VEL_MODULE_ERROR"};
-constexpr CATALOGUE_ROW k_error = {
-    8, "System Build Descriptor File error: %1!s!/ESBD_SBD_ERROR"};
+constexpr CATALOGUE_ROW k_error = {8, "System Build Descriptor File error: %1!s!/ESBD_SBD_ERROR"};
 constexpr CATALOGUE_ROW k_warning = {
     9, "System Build Descriptor File warning: %1!s!/WSBD_SBD_WARNING"};
 constexpr CATALOGUE_ROW k_no_device_block_error = {
-    10,
-    "System Build Descriptor File must contain device block/ESBD_SBD_NO_DEVICE_BLOCK_ERROR"};
+    10, "System Build Descriptor File must contain device block/ESBD_SBD_NO_DEVICE_BLOCK_ERROR"};
 constexpr CATALOGUE_ROW k_veldran_module_block_error = {
     11,
     "System Build Descriptor File must contain only one module block that defines Veldran embedded "
@@ -81,7 +79,9 @@ namespace MSG_SBD {
 
 namespace E {
 
-MSG_E* SBD_FILE_ERROR(const char* file) { return make_message<MSG_E>(k_file_error, file); }
+MSG_E* SBD_FILE_ERROR(const char* file) {
+  return make_message<MSG_E>(k_file_error, file);
+}
 
 MSG_E* SBD_SYNTAX_ERROR(const char* file, const char* token, int line) {
   return make_message<MSG_E>(k_syntax_error, file, token, line);
@@ -107,9 +107,13 @@ MSG_E* SBD_VEL_MODULE_ERROR(const char* reason) {
   return make_message<MSG_E>(k_vel_module_error, reason);
 }
 
-MSG_E* SBD_ERROR(const char* text) { return make_message<MSG_E>(k_error, text); }
+MSG_E* SBD_ERROR(const char* text) {
+  return make_message<MSG_E>(k_error, text);
+}
 
-MSG_E* SBD_NO_DEVICE_BLOCK_ERROR() { return make_message<MSG_E>(k_no_device_block_error); }
+MSG_E* SBD_NO_DEVICE_BLOCK_ERROR() {
+  return make_message<MSG_E>(k_no_device_block_error);
+}
 
 MSG_E* SBD_VELDRAN_MODULE_BLOCK_ERROR() {
   return make_message<MSG_E>(k_veldran_module_block_error);
@@ -135,7 +139,9 @@ MSG_E* FAMILY_NOT_DEFINED_ERROR(const char* device_block) {
 
 namespace W {
 
-MSG_W* SBD_WARNING(const char* text) { return make_message<MSG_W>(k_warning, text); }
+MSG_W* SBD_WARNING(const char* text) {
+  return make_message<MSG_W>(k_warning, text);
+}
 
 }  // namespace W
 

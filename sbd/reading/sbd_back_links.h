@@ -31,6 +31,16 @@ class SBD_BACK_LINKS {
     return true;
   }
 
+  // Puts `element` in front of `mark`, which is in the list, or behind it.
+  void link(T*& head, T* element, T* mark, bool is_behind) {
+    T* const before = is_behind ? mark : mark == head ? nullptr : find_before(head, mark);
+    element->next = before != nullptr ? before->next : head;
+    (before != nullptr ? before->next : head) = element;
+    if (m_before.empty()) return;
+    if (before != nullptr) keep(element, before);
+    if (element->next != nullptr) keep(element->next, element);
+  }
+
   // Takes notice of an element that was linked in at the head of a list.
   void note_head(T* element) {
     if (!m_before.empty() && element->next != nullptr) keep(element->next, element);

@@ -157,8 +157,13 @@ bool SBD_FILE_PARSER::resolve_reference(SBD_STATEMENT* statement) {
 
 bool SBD_FILE_PARSER::find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const {
   SBD_NODE* const target = find_named(reference.name, statement.name->parent);
-  if (target != nullptr) reference.target = target;
-  return target != nullptr;
+  if (target == nullptr) return false;
+  if (reference.target != target && m_store != nullptr) {
+    m_store->drop_reference(reference.target);
+    SBD_STORE::add_reference(target);
+  }
+  reference.target = target;
+  return true;
 }
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_named(const char* name,

@@ -85,10 +85,15 @@ void SBD_FILE_PARSER::add_node(SBD_NODE* node, SBD_NODE* parent) {
                  k_source_file_parser)) {
     return;
   }
-  if (parent != nullptr && !SBD_CHECK(parent->block != nullptr, "parent->block != NULL",
-                                      k_source_file_parser)) {
+  if (parent != nullptr &&
+      !SBD_CHECK(parent->block != nullptr, "parent->block != NULL", k_source_file_parser)) {
     return;
   }
+  m_store->has_reference_counts = false;  // Nobody knows what a caller's node refers to.
+  link_node(node, parent);
+}
+
+void SBD_FILE_PARSER::link_node(SBD_NODE* node, SBD_NODE* parent) noexcept {
   SBD_NODE*& first = parent != nullptr ? parent->block->members : m_parser_para.root;
   SBD_NODE*& last = parent != nullptr ? parent->block->m_last : m_store->last_root;
   node->next = nullptr;
@@ -118,6 +123,7 @@ void SBD_FILE_PARSER::delete_node(SBD_NODE* node, SBD_NODE* parent) {
 void SBD_FILE_PARSER::free_node(SBD_NODE* node) noexcept {
   if (m_store == nullptr || node == nullptr) return;
   node->next = nullptr;
+  m_store->drop_references_of(node);
   m_store->free_nodes(node, [this](SBD_SYMBOL* symbol) { delete_symbol(symbol); });
 }
 

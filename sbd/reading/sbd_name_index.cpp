@@ -77,8 +77,7 @@ bool has_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
 }  // namespace
 
 bool SBD_NAME_INDEX::close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first,
-                                 const SBD_OPEN_MEMBER* last, std::size_t unnamed,
-                                 SBD_POOL& pool) {
+                                 const SBD_OPEN_MEMBER* last, std::size_t unnamed, SBD_POOL& pool) {
   for (const auto* member = first; member != last; ++member) {
     member->symbol->parent = block != nullptr ? block : member->symbol->node;
   }
@@ -96,12 +95,30 @@ bool SBD_NAME_INDEX::close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first,
       is_unique = false;
     }
   }
+  set_table(block, table);
+  return is_unique;
+}
+
+void SBD_NAME_INDEX::set_table(SBD_NODE* block, SCOPE_TABLE* table) {
   if (block != nullptr) {
     block->block->m_scope_table = table;
   } else {
     m_top_table = table;
   }
-  return is_unique;
+}
+
+void SBD_NAME_INDEX::index_scope(SBD_NODE* block, const SBD_NODE* members, SBD_POOL& pool) {
+  if (table_of(block) != nullptr) return;
+  std::size_t count = 0;
+  for (const SBD_NODE* node = members; node != nullptr; node = node->next) ++count;
+  SCOPE_TABLE* const table = SCOPE_TABLE::make(count, pool);
+  for (const SBD_NODE* node = members; node != nullptr; node = node->next) {
+    SBD_SYMBOL* const symbol = sbd_symbol_of(node);
+    if (symbol == nullptr || symbol->m_tag == 0) continue;
+    const auto hash = static_cast<std::uint32_t>(sbd_hash_name(symbol->name));
+    *table->find_slot(hash, symbol->m_tag, symbol->name) = symbol;
+  }
+  set_table(block, table);
 }
 
 const SBD_NAME_INDEX::SCOPE_TABLE* SBD_NAME_INDEX::table_of(const SBD_NODE* scope) const {

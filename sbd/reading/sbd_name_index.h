@@ -40,6 +40,10 @@ class SBD_NAME_INDEX {
   bool close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last,
                    std::size_t unnamed, SBD_POOL& pool);
 
+  // Gives a scope a table if it has none, so that the order of its members does not matter any
+  // more.
+  void index_scope(SBD_NODE* block, const SBD_NODE* members, SBD_POOL& pool);
+
   // The symbol of that name, letter case aside, in that scope which was entered last; null if
   // there is none. `members` is the scope's first node.
   SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const;
@@ -88,6 +92,7 @@ class SBD_NAME_INDEX {
                          std::equal_to<const SBD_SYMBOL*>,
                          SBD_ALLOCATOR<std::pair<const SBD_SYMBOL* const, ENTRY_MAP::iterator>>>;
 
+  void set_table(SBD_NODE* block, SCOPE_TABLE* table);
   static KEY key_of(const SBD_SYMBOL* symbol, std::uint64_t serial);
   const SCOPE_TABLE* table_of(const SBD_NODE* scope) const;
   const ENTRY_MAP::value_type* last_entered(const SBD_NODE* scope, std::string_view name) const;

@@ -67,8 +67,8 @@ SBD_STATEMENT* make_statement(SBD_STATEMENT::STATEMENT_TYPE type, const SBD_TOKE
   node->type = SBD_NODE::NT_STATEMENT;
   node->statement = statement;
   statement->type = type;
-  const bool has_table = SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL",
-                                   k_source_parser);
+  const bool has_table =
+      SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "para_name != NULL", k_source_parser) && has_table) {
     node->m_position = position_of(*name);
     statement->name = enter_new_symbol(SBD_SYMBOL::SYM_PARAMETER, node, *name, *symbol_table);
@@ -130,8 +130,8 @@ SBD_NODE* sbd_do_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, S
     block->type = copy_token_text(*type);
     block->block_type = SBD_FILE_PARSER::lookup_block_type(block->type);
   }
-  const bool has_table = SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL",
-                                   k_source_parser);
+  const bool has_table =
+      SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "block_name != NULL", k_source_parser) && has_table) {
     block->name = enter_new_symbol(SBD_SYMBOL::SYM_BLOCK, node, *name, *symbol_table);
   }
@@ -229,7 +229,9 @@ SBD_PARA_ATTR* sbd_do_para_attr(const SBD_TOKEN_INFO* key, const SBD_TOKEN_INFO*
   return attribute;
 }
 
-SBD_NODE* sbd_join_node(SBD_NODE* first, SBD_NODE* second) { return join(first, second); }
+SBD_NODE* sbd_join_node(SBD_NODE* first, SBD_NODE* second) {
+  return join(first, second);
+}
 
 SBD_PARA_REF* sbd_join_para_ref(SBD_PARA_REF* first, SBD_PARA_REF* second) {
   return join(first, second);

@@ -218,9 +218,8 @@ class FAULTLESS_PARSER {
   // Takes the innermost open scope's names from the open ones.
   void close_scope(SBD_NODE* block) {
     auto& names = m_store.open_members;
-    const bool is_unique =
-        m_store.names.close_scope(block, names.begin() + m_members.first_name, names.end(),
-                                  m_members.comments, m_store.pool);
+    const bool is_unique = m_store.names.close_scope(block, names.begin() + m_members.first_name,
+                                                     names.end(), m_members.comments, m_store.pool);
     if (!is_unique) m_store.facts.has_duplicate_names = true;
     names.truncate(m_members.first_name);
   }
@@ -426,7 +425,8 @@ class FAULTLESS_PARSER {
   // Skips a unit; QU_NONE where none stands. What follows the unit is the next token's affair.
   SBD_PARA_VALUE::QUANTITY_UNIT skip_unit() {
     const char c = m_next[0];
-    if (sbd_to_lower(c) == 'm' && sbd_to_lower(m_next[1]) == 'h' && sbd_to_lower(m_next[2]) == 'z') {
+    if (sbd_to_lower(c) == 'm' && sbd_to_lower(m_next[1]) == 'h' &&
+        sbd_to_lower(m_next[2]) == 'z') {
       m_next += 3;
       return SBD_PARA_VALUE::QU_MHZ;
     }

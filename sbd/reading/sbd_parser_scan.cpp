@@ -199,11 +199,17 @@ void FlexLexer::LexerError(const char* text) {
   sbd_report_internal_error(text, k_source_parser, __LINE__);
 }
 
-void FlexLexer::init_yy_location() { m_location = m_prev_location = LOCATION(); }
+void FlexLexer::init_yy_location() {
+  m_location = m_prev_location = LOCATION();
+}
 
-void FlexLexer::set_yy_location() { m_location = {m_offset, m_text.size(), m_line}; }
+void FlexLexer::set_yy_location() {
+  m_location = {m_offset, m_text.size(), m_line};
+}
 
-void FlexLexer::set_prev_location() { m_prev_location = m_location; }
+void FlexLexer::set_prev_location() {
+  m_prev_location = m_location;
+}
 
 sbd_yyFlexLexer::sbd_yyFlexLexer(const char* text, std::size_t length, SBD_STORE* origin)
     : m_input(text, length), m_origin(origin) {

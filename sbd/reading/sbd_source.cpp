@@ -7,7 +7,9 @@ char* SBD_SOURCE::allocate(std::size_t length) {
   return SBD_ALLOCATOR<char>().allocate(length + k_padding);
 }
 
-void SBD_SOURCE::free(char* buffer) noexcept { SBD_ALLOCATOR<char>().deallocate(buffer, 0); }
+void SBD_SOURCE::free(char* buffer) noexcept {
+  SBD_ALLOCATOR<char>().deallocate(buffer, 0);
+}
 
 void SBD_SOURCE::adopt(char* buffer, std::size_t length) noexcept {
   release();

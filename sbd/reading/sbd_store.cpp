@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "sbd/reading/sbd_tree.h"
+
+using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
 using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
 using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 using SBD_VALUE_LIST = SBD_FILE_PARSER::SBD_VALUE_LIST;
@@ -15,7 +18,9 @@ char* sbd_copy_text(const char* text) {
   return copy;
 }
 
-void sbd_free_text(char* text) noexcept { SBD_ALLOCATOR<char>().deallocate(text, 0); }
+void sbd_free_text(char* text) noexcept {
+  SBD_ALLOCATOR<char>().deallocate(text, 0);
+}
 
 char* SBD_STORE::copy(std::string_view text) {
   auto* const copy = static_cast<char*>(pool.take(text.size() + 1));
@@ -46,22 +51,30 @@ void SBD_VALUE_LIST::push_back(SBD_PARA_VALUE* value) {
 }
 
 void SBD_STORE::free_value(SBD_PARA_VALUE* value) const noexcept {
+  if (value == nullptr) return;
+  free_content(*value);
+  free_record(value);
+}
+
+void SBD_STORE::free_content(SBD_PARA_VALUE& value) const noexcept {
   SBD_VALUE_LIST* left = nullptr;  // Lists whose elements are still to be freed.
-  const auto free_one = [this, &left](SBD_PARA_VALUE* one) {
-    if (one == nullptr) return;
-    if (one->type == SBD_PARA_VALUE::VT_STRING) free_text(one->text);
-    if (one->type == SBD_PARA_VALUE::VT_LIST && one->list != nullptr) {
-      one->list->m_next_to_free = left;
-      left = one->list;
+  const auto free_one = [this, &left](SBD_PARA_VALUE& one) {
+    if (one.type == SBD_PARA_VALUE::VT_STRING) free_text(one.text);
+    if (one.type == SBD_PARA_VALUE::VT_LIST && one.list != nullptr) {
+      one.list->m_next_to_free = left;
+      left = one.list;
     }
-    free_record(one);
   };
 
   free_one(value);
   while (left != nullptr) {
     SBD_VALUE_LIST* const list = left;
     left = list->m_next_to_free;
-    for (SBD_PARA_VALUE* const element : *list) free_one(element);
+    for (SBD_PARA_VALUE* const element : *list) {
+      if (element == nullptr) continue;
+      free_one(*element);
+      free_record(element);
+    }
     if (list->m_capacity != 0) {
       SBD_ALLOCATOR<SBD_PARA_VALUE*>().deallocate(list->m_items, list->m_capacity);
     }
@@ -69,26 +82,54 @@ void SBD_STORE::free_value(SBD_PARA_VALUE* value) const noexcept {
   }
 }
 
+void SBD_STORE::free_attributes(SBD_FILE_PARSER::SBD_PARA_ATTR* first) const noexcept {
+  while (first != nullptr) {
+    auto* const attribute = first;
+    first = first->next;
+    free_text(attribute->attr_key);
+    free_text(attribute->attr_value);
+    free_record(attribute);
+  }
+}
+
+void SBD_STORE::free_references(SBD_FILE_PARSER::SBD_PARA_REF* first) const noexcept {
+  while (first != nullptr) {
+    auto* const reference = first;
+    first = first->next;
+    free_text(reference->name);
+    free_record(reference);
+  }
+}
+
 void SBD_STORE::free_statement(SBD_STATEMENT* statement) const noexcept {
   free_text(statement->comment);
   if (statement->type == SBD_STATEMENT::ST_ASSIGNMENT) {
     free_value(statement->value);
-    for (auto* attribute = statement->attributes; attribute != nullptr;) {
-      auto* const next = attribute->next;
-      free_text(attribute->attr_key);
-      free_text(attribute->attr_value);
-      free_record(attribute);
-      attribute = next;
-    }
+    free_attributes(statement->attributes);
   } else if (statement->type == SBD_STATEMENT::ST_REFERENCE) {
-    for (auto* reference = statement->reference; reference != nullptr;) {
-      auto* const next = reference->next;
-      free_text(reference->name);
-      free_record(reference);
-      reference = next;
-    }
+    free_references(statement->reference);
   }
   free_record(statement);
+}
+
+void SBD_STORE::drop_references_of(const SBD_STATEMENT& statement) const {
+  if (statement.type != SBD_STATEMENT::ST_REFERENCE) return;
+  for (auto* reference = statement.reference; reference != nullptr; reference = reference->next) {
+    drop_reference(reference->target);
+  }
+}
+
+void SBD_STORE::drop_references_of(SBD_NODE* node) noexcept {
+  if (!has_reference_counts) return;
+  try {
+    SBD_TREE_WALK walk(node);
+    while (const SBD_NODE* const one = walk.next()) {
+      if (one->type != SBD_NODE::NT_STATEMENT || one->statement == nullptr) continue;
+      drop_references_of(*one->statement);
+    }
+  } catch (...) {
+    has_reference_counts = false;  // Without them it is only slower.
+  }
 }
 
 void SBD_STORE::clear_records() noexcept {
@@ -100,5 +141,6 @@ void SBD_STORE::clear_records() noexcept {
   pool.release();
   last_root = nullptr;
   has_foreign = false;
+  has_reference_counts = true;
   has_fault_place = false;
 }

@@ -65,6 +65,10 @@ class SBD_STORE {
     if (!pool.owns(record)) delete record;
   }
   void free_value(SBD_PARA_VALUE* value) const noexcept;
+  // Frees what a value holds, and leaves its record.
+  void free_content(SBD_PARA_VALUE& value) const noexcept;
+  void free_attributes(SBD_FILE_PARSER::SBD_PARA_ATTR* first) const noexcept;
+  void free_references(SBD_FILE_PARSER::SBD_PARA_REF* first) const noexcept;
 
   // Frees a chain of nodes with all that they hold except their symbols, each of which is given
   // to `symbol_done` (nothing may be linked to it any more).
@@ -81,6 +85,25 @@ class SBD_STORE {
     fault_length = length;
   }
 
+  // Count the references to a node. The counts can be relied on as long as only the reader and the
+  // document's own edits have made references, and none of them outlived its target.
+  static constexpr std::uint16_t k_many_references = 0xFFFF;
+  static void add_reference(SBD_NODE* target) {
+    if (target->m_references != k_many_references) ++target->m_references;
+  }
+  void drop_reference(SBD_NODE* target) const {
+    if (target == nullptr || !has_reference_counts) return;
+    if (target->m_references != k_many_references && target->m_references != 0) {
+      --target->m_references;
+    }
+  }
+  bool counts_references(const SBD_NODE* target) const {
+    return has_reference_counts && target->m_references != k_many_references;
+  }
+  // Take back the references of a statement, or of a node and all below it, before they are freed.
+  void drop_references_of(const SBD_FILE_PARSER::SBD_STATEMENT& statement) const;
+  void drop_references_of(SBD_NODE* node) noexcept;
+
   // Empties everything but the source.
   void clear_records() noexcept;
 
@@ -91,8 +114,9 @@ class SBD_STORE {
   SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;
   SBD_PARSE_FACTS facts;
   SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // While reading: names whose scope is open.
-  SBD_NODE* last_root = nullptr;  // Last top-level node, as far as known.
-  bool has_foreign = false;       // Something in the tree or the table lies outside the pool.
+  SBD_NODE* last_root = nullptr;                  // Last top-level node, as far as known.
+  bool has_foreign = false;  // Something in the tree or the table lies outside the pool.
+  bool has_reference_counts = true;
 
   bool has_fault_place = false;  // Where the message posted last belongs.
   std::size_t fault_offset = 0;
@@ -110,6 +134,7 @@ void SBD_STORE::free_nodes(SBD_NODE* chain, SYMBOL_DONE&& symbol_done) noexcept 
     SBD_NODE* const node = left;
     left = node->next;
     node_links.drop(node);
+    if (node->m_references != 0) has_reference_counts = false;  // They dangle from now on.
     switch (node->type) {
       case SBD_NODE::NT_BLOCK:
         if (node->block == nullptr) break;
