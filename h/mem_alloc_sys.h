@@ -47,7 +47,8 @@ class MEM_STL_ALLOCATOR {
 
   MEM_STL_ALLOCATOR() noexcept = default;
   template <class OTHER>
-  MEM_STL_ALLOCATOR(const MEM_STL_ALLOCATOR<OTHER, MODULE>&) noexcept {}  // NOLINT: converts
+  MEM_STL_ALLOCATOR(const MEM_STL_ALLOCATOR<OTHER, MODULE>&)
+  noexcept {}  // NOLINT: converts
 
   T* allocate(std::size_t count) {
     if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_alloc();

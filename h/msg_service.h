@@ -30,6 +30,7 @@ class HOST_API MSG_BASE : public MSG_POST {
   MSG_BASE& operator=(const MSG_BASE&) = delete;
 
   // Message objects live in the host's memory, charged to the module that makes them.
+  static void* operator new(std::size_t size) = delete;
   static void* operator new(std::size_t size, const char* module_tag);
   static void operator delete(void* block, const char* module_tag) noexcept;
   static void operator delete(void* block) noexcept;

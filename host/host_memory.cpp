@@ -12,12 +12,12 @@
 #include <utility>
 
 #include "h/mem_alloc_sys.h"
+#include "host/handler_slot.h"
 #include "host/sbd_host.h"
 
 namespace {
 
-// ---- Accounts
-// ------------------------------------------------------------------------------------
+// ---- Accounts ----------------------------------------------------------------------------------
 
 // What is known of one tag. Accounts live as long as the program, since blocks refer to them.
 struct ACCOUNT {
@@ -106,15 +106,14 @@ void count_release(ACCOUNT& account, std::size_t size) {
   account.releases.fetch_add(1, std::memory_order_release);
 }
 
-// ---- Planned failures
-// ----------------------------------------------------------------------------
+// ---- Planned failures --------------------------------------------------------------------------
 
-constexpr std::uint64_t AND_LATER = 1;
+constexpr std::uint64_t k_and_later = 1;
 
 std::uint64_t make_failure_plan(std::size_t count, bool and_later) {
   if (count == 0) return 0;
   const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() >> 1;
-  return std::min<std::uint64_t>(count, most) << 1 | (and_later ? AND_LATER : 0);
+  return std::min<std::uint64_t>(count, most) << 1 | (and_later ? k_and_later : 0);
 }
 
 // Takes one step of the plan; true if this allocation is one that fails.
@@ -122,7 +121,7 @@ bool is_planned_to_fail(ACCOUNT& account) {
   std::uint64_t plan = account.failure_plan.load(std::memory_order_relaxed);
   while (plan != 0) {
     const bool fails = plan >> 1 == 1;
-    if (fails && (plan & AND_LATER)) return true;
+    if (fails && (plan & k_and_later)) return true;
     const std::uint64_t next_plan = fails ? 0 : plan - 2;
     if (account.failure_plan.compare_exchange_weak(plan, next_plan, std::memory_order_relaxed)) {
       return fails;
@@ -131,20 +130,14 @@ bool is_planned_to_fail(ACCOUNT& account) {
   return false;
 }
 
-// ---- Hook
-// ----------------------------------------------------------------------------------------
-
-struct HOOK_SLOT {
-  std::mutex mutex;
-  std::shared_ptr<const sbd_host::MEMORY_HOOK> hook;
-};
+// ---- Hook --------------------------------------------------------------------------------------
 
 std::atomic<bool> g_has_hook{false};  // Spares everybody the mutex while there is none.
 thread_local bool t_is_in_hook = false;
 
 // Never destroyed, for the same reason as the accounts.
-HOOK_SLOT& hook_slot() {
-  static HOOK_SLOT* const slot = new HOOK_SLOT;
+HANDLER_SLOT<sbd_host::MEMORY_HOOK>& hook_slot() {
+  static auto* const slot = new HANDLER_SLOT<sbd_host::MEMORY_HOOK>;
   return *slot;
 }
 
@@ -153,14 +146,8 @@ void call_hook(const sbd_host::MEMORY_EVENT& event) {
 
   t_is_in_hook = true;
   {
-    // The copy keeps the hook alive if it is replaced while it runs. It ends before the flag does,
-    // as what a hook's destructor releases is the hook's own as well.
-    std::shared_ptr<const sbd_host::MEMORY_HOOK> hook;
-    HOOK_SLOT& slot = hook_slot();
-    {
-      const std::lock_guard<std::mutex> lock(slot.mutex);
-      hook = slot.hook;
-    }
+    // The copy ends before the flag does, as what a hook's destructor releases is its own as well.
+    const auto hook = hook_slot().get();
     if (hook) (*hook)(event);
   }
   t_is_in_hook = false;
@@ -171,8 +158,7 @@ void tell_hook(bool is_allocation, const ACCOUNT& account, std::size_t size, con
   call_hook({is_allocation, account.text, size, block});
 }
 
-// ---- Blocks
-// --------------------------------------------------------------------------------------
+// ---- Blocks ------------------------------------------------------------------------------------
 
 // Stands in front of every block. Its own alignment and size keep the block behind it aligned.
 struct alignas(std::max_align_t) BLOCK_HEADER {
@@ -181,14 +167,14 @@ struct alignas(std::max_align_t) BLOCK_HEADER {
 };
 
 // No object can be larger than this; malloc need not be asked.
-constexpr std::size_t MAX_BLOCK_SIZE =
+constexpr std::size_t k_largest_block =
     static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) - sizeof(BLOCK_HEADER);
 
 }  // namespace
 
 void* MEM_MANAGER::new_wrapper(std::size_t size, const char* module_tag) {
   ACCOUNT* const account = account_of_module(module_tag);
-  if (!account || size > MAX_BLOCK_SIZE || is_planned_to_fail(*account)) throw std::bad_alloc();
+  if (!account || size > k_largest_block || is_planned_to_fail(*account)) throw std::bad_alloc();
 
   void* const memory = std::malloc(sizeof(BLOCK_HEADER) + size);
   if (!memory) throw std::bad_alloc();
@@ -237,13 +223,11 @@ bool is_module_registered(const char* module_tag) {
 }
 
 void set_memory_hook(MEMORY_HOOK hook) {
-  std::shared_ptr<const MEMORY_HOOK> replaced;
-  if (hook) replaced = std::make_shared<const MEMORY_HOOK>(std::move(hook));
-
-  HOOK_SLOT& slot = hook_slot();
-  const std::lock_guard<std::mutex> lock(slot.mutex);
-  g_has_hook.store(replaced != nullptr, std::memory_order_release);
-  slot.hook.swap(replaced);
+  static std::mutex* const changes = new std::mutex;  // Flag and hook change together.
+  const std::lock_guard<std::mutex> lock(*changes);
+  const bool has_hook = static_cast<bool>(hook);
+  hook_slot().set(std::move(hook));
+  g_has_hook.store(has_hook, std::memory_order_release);
 }
 
 void fail_allocation(const char* module_tag, std::size_t count, bool and_later) {

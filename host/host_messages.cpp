@@ -12,6 +12,7 @@
 
 #include "h/mem_alloc_sys.h"
 #include "h/msg_service.h"
+#include "host/handler_slot.h"
 #include "host/sbd_host.h"
 
 // The strings are on the ordinary heap: what the host keeps of a message is not the module's.
@@ -33,11 +34,10 @@ const char* or_empty(const char* text) {
   return text ? text : "";
 }
 
-// ---- Templates
-// -----------------------------------------------------------------------------------
+// ---- Templates ---------------------------------------------------------------------------------
 
 // Far above what a message needs. It keeps a mistyped position from walking off the argument list.
-constexpr std::size_t MAX_ARGUMENTS = 99;
+constexpr std::size_t k_most_arguments = 99;
 
 struct PLACEHOLDER {
   std::size_t length;    // In the template; 0 if there is no placeholder.
@@ -53,7 +53,7 @@ struct ARGUMENT {
 
 struct ARGUMENTS {
   std::size_t count = 0;  // Up to the last one that the template mentions.
-  std::array<ARGUMENT, MAX_ARGUMENTS> list{};
+  std::array<ARGUMENT, k_most_arguments> list{};
 };
 
 bool is_digit(char c) {
@@ -72,7 +72,7 @@ PLACEHOLDER get_placeholder(std::string_view text, std::size_t at) {
   std::size_t position = 0;
   for (; end < text.size() && is_digit(text[end]); end++) {
     position = position * 10 + static_cast<std::size_t>(text[end] - '0');
-    if (position > MAX_ARGUMENTS) return NONE;
+    if (position > k_most_arguments) return NONE;
   }
   if (position == 0) return NONE;
 
@@ -151,34 +151,11 @@ std::string render_format(const char* format, va_list arguments) {
   if (length < 0) return format;
 
   std::string result(static_cast<std::size_t>(length), '\0');
-  std::vsnprintf(result.data(), result.size() + 1, format, arguments);
+  (void)std::vsnprintf(result.data(), result.size() + 1, format, arguments);
   return result;
 }
 
-// ---- Delivery
-// ------------------------------------------------------------------------------------
-
-// A handler that can be replaced at any time, even by itself while it runs.
-template <class HANDLER>
-class HANDLER_SLOT {
- public:
-  void set(HANDLER handler) {
-    std::shared_ptr<const HANDLER> replaced;
-    if (handler) replaced = std::make_shared<const HANDLER>(std::move(handler));
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_handler.swap(replaced);
-  }
-
-  // Null if none is installed.
-  std::shared_ptr<const HANDLER> get() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_handler;
-  }
-
- private:
-  std::mutex m_mutex;
-  std::shared_ptr<const HANDLER> m_handler;
-};
+// ---- Delivery ----------------------------------------------------------------------------------
 
 // Never destroyed: a static destructor of another module may still post.
 HANDLER_SLOT<sbd_host::MESSAGE_HANDLER>& message_slot() {
@@ -197,7 +174,7 @@ void write_line(std::string line) {
   std::replace(line.begin(), line.end(), '\n', ' ');
   std::replace(line.begin(), line.end(), '\r', ' ');
   line += '\n';
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 const char* get_severity_name(sbd_host::SEVERITY severity) {
@@ -228,8 +205,7 @@ void print_internal_error(const sbd_host::INTERNAL_ERROR& error) {
 
 }  // namespace
 
-// ---- Messages
-// ------------------------------------------------------------------------------------
+// ---- Messages ----------------------------------------------------------------------------------
 
 MSG_POST::~MSG_POST() = default;
 

@@ -19,11 +19,11 @@ enum class SEVERITY { ERROR, WARNING, DEBUG };
 // A posted message. The texts live until the handler returns.
 struct MESSAGE {
   SEVERITY severity;
-  int number;                // The message's number; 0 for a debug message.
-  const char* text_template; // As filled in, text "/" key.
-  const char* key;           // The part of the template behind its last "/"; "" if it has none.
-  const char* text;          // The template's text with its arguments in place.
-  const char* module;        // The module's tag; "" if none was set.
+  int number;                 // The message's number; 0 for a debug message.
+  const char* text_template;  // As filled in, text "/" key.
+  const char* key;            // The part of the template behind its last "/"; "" if it has none.
+  const char* text;           // The template's text with its arguments in place.
+  const char* module;         // The module's tag; "" if none was set.
 };
 
 using MESSAGE_HANDLER = std::function<void(const MESSAGE&)>;
@@ -47,11 +47,11 @@ using INTERNAL_ERROR_HANDLER = std::function<void(const INTERNAL_ERROR&)>;
 // handler returns, the library goes on.
 HOST_API void set_internal_error_handler(INTERNAL_ERROR_HANDLER handler);
 
-// ---- Memory --------------------------------------------------------------------------------------
+// ---- Memory ------------------------------------------------------------------------------------
 
 // What a module holds at the moment, and what it took so far.
 struct MEMORY_ACCOUNT {
-  std::size_t live_bytes;         // Bytes as asked for, without the manager's own overhead.
+  std::size_t live_bytes;  // Bytes as asked for, without the manager's own overhead.
   std::size_t live_blocks;
   std::size_t total_allocations;  // Since the program started.
   std::size_t peak_bytes;         // The most that was ever live.

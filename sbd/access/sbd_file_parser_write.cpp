@@ -249,7 +249,7 @@ bool SBD_FILE_PARSER::write(const char* path) const {
       return false;
     }
     const bool is_written = write(stream, m_parser_para.root, 0);
-    std::fclose(stream);
+    (void)std::fclose(stream);
     return is_written;
   });
 }

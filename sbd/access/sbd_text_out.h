@@ -23,7 +23,7 @@ class SBD_TEXT_OUT {
     if (length > k_size - m_used) {
       flush();
       if (length > k_size) {
-        std::fwrite(text, 1, length, m_stream);
+        (void)std::fwrite(text, 1, length, m_stream);
         return;
       }
     }
@@ -41,11 +41,11 @@ class SBD_TEXT_OUT {
   }
 
  private:
-  static constexpr std::size_t k_size = 16 * 1024;
+  static constexpr std::size_t k_size = 16384;
 
   // Errors of the stream are the caller's to look for.
   void flush() {
-    std::fwrite(m_buffer, 1, m_used, m_stream);
+    (void)std::fwrite(m_buffer, 1, m_used, m_stream);
     m_used = 0;
   }
 

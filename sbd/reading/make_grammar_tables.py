@@ -199,10 +199,10 @@ def main():
     codes = {END: "0", ERROR: "256", **{c: f"'{c}'" for c in PUNCTUATION}}
     print("    " + ", ".join(codes.get(t, f"SBD_TOK_{t}") for t in TERMINALS) + "};\n")
     print("// n > 0 shifts to state n - 1, n < 0 reduces rule -n, 0 is an error.")
-    print_table("inline constexpr std::int8_t k_actions[k_state_count][k_terminal_count]",
+    print_table("inline constexpr std::int16_t k_actions[k_state_count][k_terminal_count]",
                 make_actions(kernels, gotos))
     print("\n// The state behind a nonterminal.")
-    print_table("inline constexpr std::int8_t k_gotos[k_state_count][k_nonterminal_count]",
+    print_table("inline constexpr std::int16_t k_gotos[k_state_count][k_nonterminal_count]",
                 [[targets.get(n, 0) for n in NONTERMINALS] for targets in gotos])
     print("\n// Per rule: the nonterminal that it makes and how many symbols it takes.")
     print_table("inline constexpr std::uint8_t k_rules[][2]", zip(left_sides, lengths))

@@ -23,9 +23,8 @@ constexpr std::array<std::uint8_t, 256> sbd_make_char_classes() {
   for (std::size_t c = 'a'; c <= 'z'; ++c) classes[c] = CC_NAME_START | CC_LETTER;
   for (std::size_t c = 'A'; c <= 'Z'; ++c) classes[c] = CC_NAME_START | CC_LETTER;
   for (std::size_t c = '0'; c <= '9'; ++c) classes[c] = CC_DIGIT;
-  for (const char c : {'a', 'b', 'c', 'd', 'e', 'f', 'A', 'B', 'C', 'D', 'E', 'F'}) {
-    classes[static_cast<std::size_t>(c)] |= CC_HEX_LETTER;
-  }
+  for (std::size_t c = 'a'; c <= 'f'; ++c) classes[c] |= CC_HEX_LETTER;
+  for (std::size_t c = 'A'; c <= 'F'; ++c) classes[c] |= CC_HEX_LETTER;
   classes['_'] = CC_NAME_START;
   classes['.'] = CC_DOT;
   classes[' '] = classes['\t'] = classes['\r'] = CC_BLANK;

@@ -13,7 +13,7 @@
 namespace {
 
 struct FILE_CLOSER {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const { (void)std::fclose(file); }
 };
 using FILE_HANDLE = std::unique_ptr<std::FILE, FILE_CLOSER>;
 
@@ -46,9 +46,9 @@ void enlarge(LOADED_TEXT& text, std::size_t capacity) {
 
 // The whole content of the file; false when it can't be read or is too long.
 bool load(std::FILE* file, LOADED_TEXT& text) {
-  constexpr std::size_t k_first_guess = 16 * 1024;
+  constexpr std::size_t k_first_guess = 16384;
   // Our buffer is the only one that the bytes need to go through.
-  std::setvbuf(file, nullptr, _IONBF, 0);
+  (void)std::setvbuf(file, nullptr, _IONBF, 0);
   const std::size_t rest = rest_of_file(file);
   if (rest > SBD_SOURCE::k_longest) return false;
   // One byte more than the file has shows its end without another round.

@@ -16,7 +16,7 @@ inline constexpr int k_terminal_codes[k_terminal_count] = {
     0, 256, SBD_TOK_IDENTIFIER, SBD_TOK_UDECIMAL, SBD_TOK_OCTAL, SBD_TOK_HEXAL, SBD_TOK_BINARY, SBD_TOK_FLOAT, SBD_TOK_KB, SBD_TOK_MB, SBD_TOK_GB, SBD_TOK_HZ, SBD_TOK_MHZ, SBD_TOK_TRUE, SBD_TOK_FALSE, SBD_TOK_STRING, SBD_TOK_COMMENT_LINE, SBD_TOK_COMMENT_TAIL, SBD_TOK_INDEXED_NAME, SBD_TOK_QUALIFIED_NAME, '{', '}', '=', ';', '[', ']', '<', '>', ','};
 
 // n > 0 shifts to state n - 1, n < 0 reduces rule -n, 0 is an error.
-inline constexpr std::int8_t k_actions[k_state_count][k_terminal_count] = {
+inline constexpr std::int16_t k_actions[k_state_count][k_terminal_count] = {
     {-1, 5, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {-5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5, -5},
     {0, 0, 9, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
@@ -92,7 +92,7 @@ inline constexpr std::int8_t k_actions[k_state_count][k_terminal_count] = {
 };
 
 // The state behind a nonterminal.
-inline constexpr std::int8_t k_gotos[k_state_count][k_nonterminal_count] = {
+inline constexpr std::int16_t k_gotos[k_state_count][k_nonterminal_count] = {
     {0, 5, 7, 6, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {0, 0, 0, 0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
