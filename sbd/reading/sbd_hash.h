@@ -11,11 +11,10 @@
 
 // One step of the PJW hash over lower-cased characters; bytes above 0x7f count as negative.
 inline std::uint32_t sbd_hash_pjw_step(std::uint32_t hash, char c) {
-  const auto value = static_cast<std::uint32_t>(
-      static_cast<std::int32_t>(static_cast<signed char>(sbd_to_lower(c))));
-  hash = (hash << 4) + value;
-  const std::uint32_t high = hash & 0xF0000000U;
-  return hash ^ (high >> 24) ^ high;
+  hash = (hash << 4) + static_cast<std::uint32_t>(
+                           static_cast<std::int32_t>(static_cast<signed char>(sbd_to_lower(c))));
+  // The highest four bits go, and are felt in bits 4 to 7.
+  return (hash & 0x0FFFFFFFU) ^ ((hash >> 24) & 0xF0U);
 }
 
 inline std::uint32_t sbd_hash_pjw(std::string_view name) {
@@ -24,8 +23,21 @@ inline std::uint32_t sbd_hash_pjw(std::string_view name) {
   return hash;
 }
 
+// The same for a name of the scanner's: ASCII only. Six characters do not reach the highest bits,
+// and need not wait for each other.
+inline std::uint32_t sbd_hash_pjw_ascii(std::string_view name) {
+  constexpr std::size_t k_free_steps = 6;
+  const std::size_t head = name.size() < k_free_steps ? name.size() : k_free_steps;
+  std::uint32_t hash = 0;
+  for (std::size_t i = 0; i != head; ++i) {
+    hash += static_cast<std::uint32_t>(sbd_to_lower(name[i])) << (4 * (head - 1 - i));
+  }
+  for (std::size_t i = head; i != name.size(); ++i) hash = sbd_hash_pjw_step(hash, name[i]);
+  return hash;
+}
+
 // Differs from run to run, so that nobody can prepare names that collide.
-std::uint64_t sbd_hash_seed() noexcept;
+extern const std::uint64_t k_hash_seed;
 
 // Mixes eight bytes of a name into the hash. Setting bit 5 of every byte makes the hash blind to
 // letter case; that it merges a few other characters too does no harm, since names are compared.
@@ -38,22 +50,33 @@ inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
   return ((hash >> 32) | (hash << 32)) * k_multiplier_2;
 }
 
+template <class WORD>
+std::uint64_t sbd_load(const char* from) {
+  WORD word = 0;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
+// The last one to seven bytes of a name as one number, read in pieces that may overlap.
+inline std::uint64_t sbd_load_rest(const char* from, std::size_t count) {
+  if (count >= 4) {
+    return sbd_load<std::uint32_t>(from) | sbd_load<std::uint32_t>(from + count - 4)
+                                               << (8 * (count - 4));
+  }
+  const std::size_t middle = count / 2;
+  return sbd_load<std::uint8_t>(from) | sbd_load<std::uint8_t>(from + middle) << (8 * middle) |
+         sbd_load<std::uint8_t>(from + count - 1) << (8 * (count - 1));
+}
+
 // Our own hash of a name, letter case aside.
 inline std::uint64_t sbd_hash_name(std::string_view name) {
-  std::uint64_t hash = sbd_hash_seed() ^ name.size();
+  std::uint64_t hash = k_hash_seed ^ name.size();
   const char* next = name.data();
   std::size_t left = name.size();
   for (; left >= 8; left -= 8, next += 8) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, next, 8);
-    hash = sbd_hash_mix(hash, bytes);
+    hash = sbd_hash_mix(hash, sbd_load<std::uint64_t>(next));
   }
-  if (left != 0) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, next, left);
-    hash = sbd_hash_mix(hash, bytes);
-  }
-  return hash;
+  return left == 0 ? hash : sbd_hash_mix(hash, sbd_load_rest(next, left));
 }
 
 // The digest of a name that its symbol carries: never 0.

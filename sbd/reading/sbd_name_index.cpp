@@ -27,10 +27,7 @@ std::uint64_t make_seed() noexcept {
 
 }  // namespace
 
-std::uint64_t sbd_hash_seed() noexcept {
-  static const std::uint64_t seed = make_seed();
-  return seed;
-}
+const std::uint64_t k_hash_seed = make_seed();
 
 // Open addressing; as many slots as a power of two, at least a third of them empty.
 struct SBD_NAME_INDEX::SCOPE_TABLE {

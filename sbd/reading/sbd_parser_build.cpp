@@ -52,7 +52,8 @@ SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
   const std::uint64_t hash = sbd_hash_name(name.text);
   symbol->m_tag = sbd_name_tag(hash);
   name.origin->open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
-  SBD_SYMBOL*& head = symbol_table[sbd_hash_pjw(name.text) % SBD_SYMBOL_TABLE::k_bucket_count];
+  SBD_SYMBOL*& head =
+      symbol_table[sbd_hash_pjw_ascii(name.text) % SBD_SYMBOL_TABLE::k_bucket_count];
   symbol->next = head;
   head = symbol;
   return symbol;

@@ -14,6 +14,10 @@ class SBD_POOL {
   SBD_POOL(const SBD_POOL&) = delete;
   SBD_POOL& operator=(const SBD_POOL&) = delete;
 
+  // Behind what was taken last, so many bytes may be written over: copying can be done in large
+  // steps.
+  static constexpr std::size_t k_slack = 16;
+
   // `size` bytes, aligned for records.
   void* take(std::size_t size) {
     size = (size + k_alignment - 1) & ~(k_alignment - 1);

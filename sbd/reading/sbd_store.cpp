@@ -22,13 +22,6 @@ void sbd_free_text(char* text) noexcept {
   SBD_ALLOCATOR<char>().deallocate(text, 0);
 }
 
-char* SBD_STORE::copy(std::string_view text) {
-  auto* const copy = static_cast<char*>(pool.take(text.size() + 1));
-  std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
-  return copy;
-}
-
 SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t count) {
   auto* const list = make<SBD_VALUE_LIST>();
   list->m_items = static_cast<SBD_PARA_VALUE**>(pool.take(count * sizeof(SBD_PARA_VALUE*)));

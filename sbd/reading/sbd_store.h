@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <string_view>
 
@@ -48,8 +49,18 @@ class SBD_STORE {
   T* make() {
     return ::new (pool.take(sizeof(T))) T;
   }
-  // A copy of a token's text, in the pool.
-  char* copy(std::string_view text);
+  // A copy of a token's text, which lies in the source, in the pool.
+  char* copy(std::string_view text) {
+    auto* const copy = static_cast<char*>(pool.take(text.size() + 1));
+    // Most texts are short; source and pool have room behind them.
+    constexpr std::size_t k_step = 16;
+    static_assert(k_step <= SBD_POOL::k_slack && k_step <= SBD_SOURCE::k_padding);
+    for (std::size_t done = 0; done <= text.size(); done += k_step) {
+      std::memcpy(copy + done, text.data() + done, k_step);
+    }
+    copy[text.size()] = '\0';
+    return copy;
+  }
   // A list of the values, in the pool.
   SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count);
 
