@@ -134,6 +134,8 @@ void SBD_FILE_PARSER::free_para_val(SBD_PARA_VALUE* value) const noexcept {
 void SBD_FILE_PARSER::add_symbol(SBD_SYMBOL* symbol) {
   if (m_store == nullptr || symbol == nullptr) return;
   if (!SBD_CHECK(symbol->name != nullptr, "name != NULL", k_source_file_parser)) return;
+  const bool is_new = symbol->m_tag == 0 && !m_store->names.is_entered(symbol);
+  if (!SBD_CHECK(is_new, "symbol is not entered", k_source_file_parser)) return;
   sbd_guarded(k_source_file_parser, false, [this, symbol] {
     sbd_enter_foreign_symbol(symbol, *m_parser_para.symbol_table);
     return true;

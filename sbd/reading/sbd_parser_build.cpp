@@ -1,5 +1,6 @@
 // The tree builders: one action of the grammar each.
 #include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
@@ -31,6 +32,18 @@ T* make_record(const SBD_TOKEN_INFO* token) {
 char* copy_token_text(const SBD_TOKEN_INFO& token) {
   if (token.origin != nullptr) return token.origin->copy(token.text);
   return sbd_copy_text(std::string(token.text).c_str());
+}
+
+// A copy of a string or a comment, the only tokens that NUL bytes can stand in. They become blanks,
+// since a text of the tree ends at its first NUL, and what stands behind it would be lost.
+char* copy_free_text(const SBD_TOKEN_INFO& token) {
+  if (token.text.find('\0') == std::string_view::npos) return copy_token_text(token);
+  std::string text(token.text);
+  std::replace(text.begin(), text.end(), '\0', ' ');
+  if (token.origin == nullptr) return sbd_copy_text(text.c_str());
+  auto* const copy = static_cast<char*>(token.origin->pool.take(text.size() + 1));
+  std::memcpy(copy, text.c_str(), text.size() + 1);
+  return copy;
 }
 
 std::uint32_t position_of(const SBD_TOKEN_INFO& token) {
@@ -74,7 +87,7 @@ SBD_STATEMENT* make_statement(SBD_STATEMENT::STATEMENT_TYPE type, const SBD_TOKE
     node->m_position = position_of(*name);
     statement->name = enter_new_symbol(SBD_SYMBOL::SYM_PARAMETER, node, *name, *symbol_table);
   }
-  if (comment != nullptr) statement->comment = copy_token_text(*comment);
+  if (comment != nullptr) statement->comment = copy_free_text(*comment);
   return statement;
 }
 
@@ -164,7 +177,7 @@ SBD_NODE* sbd_do_comment(const SBD_TOKEN_INFO* comment) {
   auto* const node = make_record<SBD_NODE>(comment);
   node->type = SBD_NODE::NT_COMMENT;
   node->m_position = position_of(*comment);
-  node->comment = copy_token_text(*comment);
+  node->comment = copy_free_text(*comment);
   return node;
 }
 
@@ -203,7 +216,7 @@ SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
     case SBD_TOK_STRING:
     case SBD_TOK_IDENTIFIER:
       value->type = SBD_PARA_VALUE::VT_STRING;
-      value->text = copy_token_text(*token);
+      value->text = copy_free_text(*token);
       return value;
     default:
       sbd_report_internal_error("Invalid token id\n", k_source_parser, __LINE__);

@@ -13,7 +13,8 @@
 void append_quoted(std::string& line, std::string_view text) {
   static const char k_digits[] = "0123456789abcdef";
   line += '"';
-  for (char character : text.substr(0, text.find('\0'))) {
+  for (char character : text) {
+    if (character == '\0') character = ' ';  // As the tree, whose texts end at a NUL, keeps it.
     const unsigned code = static_cast<unsigned char>(character);
     if (character == '"' || character == '\\') {
       line += '\\';
