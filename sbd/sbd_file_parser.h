@@ -144,6 +144,7 @@ class SBD_API SBD_FILE_PARSER {
       SBD_VALUE_LIST* list;  // VT_LIST
     };
     QUANTITY_UNIT unit = QU_NONE;
+    std::uint32_t m_length = 0;  // Bytes in the source, from m_position on.
   };
 
   // One element of a reference list.
@@ -472,6 +473,10 @@ class SBD_API SBD_FILE_PARSER {
   std::string_view get_source() const;
 
  protected:
+  // Notes the place for get_fault_range before a message is posted: that of a statement, or the
+  // name of a block; none when `node` is null or was not read from a text.
+  void set_fault_place(const SBD_NODE* node) const;
+
   SBD_PARSER_PARA m_parser_para;
   char* m_file_name = nullptr;
 

@@ -35,10 +35,13 @@ enum SBD_TOKEN : int {
 // What every scanner has: the current match, the line counter and the location of matches.
 class SBD_API FlexLexer {
  public:
-  // Where a match stands: its first byte, its length, and the line counter behind it.
+  // Where a match stands: its first byte with line and column, its length, and the line counter
+  // behind it. Columns count bytes from 1.
   struct LOCATION {
     std::size_t offset = 0;
     std::size_t length = 0;
+    std::uint32_t first_line = 1;
+    std::size_t column = 1;
     std::uint32_t line = 1;
   };
 
@@ -70,12 +73,18 @@ class SBD_API FlexLexer {
  protected:
   FlexLexer() = default;
 
+  // Makes `text`, which stands behind the current match, the current match, and counts its lines.
+  void set_match(std::string_view text);
+
   std::string_view m_text;
   std::size_t m_offset = 0;  // Of the current match.
   std::uint32_t m_line = 1;
 
  private:
   const char* m_file_name = nullptr;
+  std::uint32_t m_first_line = 1;      // Of the current match,
+  std::size_t m_first_line_begin = 0;  // and where that line begins.
+  std::size_t m_line_begin = 0;        // Where the line behind the current match begins.
   LOCATION m_location;
   LOCATION m_prev_location;
 };

@@ -33,17 +33,6 @@ std::size_t skip_item(std::string_view text, std::size_t at) {
   }
 }
 
-// Behind the "}" of the list that begins at `at`.
-std::size_t skip_list(std::string_view text, std::size_t at) {
-  std::size_t depth = 0;
-  for (; at < text.size(); ++at) {
-    if (text[at] == '{') ++depth;
-    if (text[at] == '}' && --depth == 0) return at + 1;
-    if (text[at] == '"') at = skip_string(text, at) - 1;
-  }
-  return at;
-}
-
 // Behind the ";" of the statement that begins at `at`.
 std::size_t skip_statement(std::string_view text, std::size_t at) {
   for (; at < text.size(); ++at) {
@@ -122,11 +111,8 @@ bool SBD_FILE_PARSER::get_comment_range(const SBD_NODE* node, SBD_SOURCE_RANGE& 
 
 bool SBD_FILE_PARSER::get_range(const SBD_PARA_VALUE* value, SBD_SOURCE_RANGE& range) const {
   if (m_store == nullptr || value == nullptr || value->m_position == 0) return false;
-  const std::string_view text = m_store->source.text();
   const std::size_t begin = value->m_position - std::size_t{1};
-  const bool is_list = text[begin] == '{';
-  return make_range(value->m_position, is_list ? skip_list(text, begin) : skip_item(text, begin),
-                    range);
+  return make_range(value->m_position, begin + value->m_length, range);
 }
 
 bool SBD_FILE_PARSER::get_range(const SBD_PARA_ATTR* attribute, SBD_SOURCE_RANGE& range) const {
@@ -144,11 +130,22 @@ bool SBD_FILE_PARSER::get_range(const SBD_PARA_REF* reference, SBD_SOURCE_RANGE&
 }
 
 bool SBD_FILE_PARSER::get_fault_range(SBD_SOURCE_RANGE& range) const {
-  if (m_store == nullptr || !m_store->has_fault_place) return false;
-  range = m_store->source.range(m_store->fault_offset, m_store->fault_length);
+  if (m_store == nullptr || !m_store->has_fault_range) return false;
+  range = m_store->fault_range;
   return true;
 }
 
 std::string_view SBD_FILE_PARSER::get_source() const {
   return m_store == nullptr ? std::string_view() : m_store->source.text();
+}
+
+void SBD_FILE_PARSER::set_fault_place(const SBD_NODE* node) const {
+  if (m_store == nullptr) return;
+  m_store->has_fault_place = false;
+  SBD_SOURCE_RANGE range;
+  const bool is_block = node != nullptr && node->type == SBD_NODE::NT_BLOCK;
+  if (!(is_block ? get_name_range(node, range) : get_range(node, range))) return;
+  m_store->has_fault_place = true;
+  m_store->fault_offset = range.offset;
+  m_store->fault_length = range.length;
 }

@@ -95,7 +95,7 @@ bool SBD_FILE_PARSER::read_text(const char* text, std::size_t length, const char
 }
 
 void SBD_FILE_PARSER::refuse_file(const char* name) {
-  if (m_store != nullptr) m_store->has_fault_place = false;
+  if (m_store != nullptr) m_store->has_fault_range = false;
   post_message(MSG_SBD::E::SBD_FILE_ERROR(name));
 }
 

@@ -60,9 +60,9 @@ void sbd_yyerror(FlexLexer* lexer, void* parser_para) {
   if (para != nullptr) ++para->error_count;
   if (para != nullptr && para->symbol_table != nullptr && para->symbol_table->store() != nullptr) {
     SBD_STORE& store = *para->symbol_table->store();
-    store.has_fault_place = true;
-    store.fault_offset = lexer->yy_location().offset;
-    store.fault_length = lexer->yytext().size();
+    const FlexLexer::LOCATION& place = lexer->yy_location();
+    store.has_fault_range = true;
+    store.fault_range = {place.offset, place.length, place.first_line, place.column};
   }
   const char* const file = lexer->file_name() != nullptr ? lexer->file_name() : "";
   const std::string text(lexer->yytext());

@@ -187,6 +187,7 @@ SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
   const std::string_view text = token->text;
   const std::string_view digits = text.substr(std::min<std::size_t>(text.size(), 2));  // Of 0x, 0b.
   value->m_position = position_of(*token);
+  value->m_length = static_cast<std::uint32_t>(text.size());
   switch (code) {
     case SBD_TOK_UDECIMAL:
       value->type = SBD_PARA_VALUE::VT_UDECIMAL;

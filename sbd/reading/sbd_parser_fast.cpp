@@ -82,8 +82,7 @@ class FAULTLESS_PARSER {
       if (sbd_is(*m_next, CC_BLANK)) {
         ++m_next;
       } else if (*m_next == '\n') {
-        ++m_next;
-        count_line();
+        count_line(m_next++);
         m_is_tail = false;
       } else {
         return;
@@ -91,7 +90,7 @@ class FAULTLESS_PARSER {
     }
   }
 
-  void count_line() { m_store.source.note_line(++m_line, m_next); }
+  void count_line(const char* newline) { m_store.source.note_newline(newline, m_line++); }
 
   SBD_TOKEN_INFO token(const char* begin) const {
     return {m_line, std::string_view(begin, static_cast<std::size_t>(m_next - begin)), &m_store};
@@ -135,7 +134,7 @@ class FAULTLESS_PARSER {
     const void* const newline = std::memchr(m_next, '\n', static_cast<std::size_t>(m_end - m_next));
     if (newline == nullptr) return false;
     m_next = static_cast<const char*>(newline) + 1;
-    count_line();
+    count_line(m_next - 1);
     m_is_tail = false;
     comment = token(begin);
     return true;
@@ -337,7 +336,7 @@ class FAULTLESS_PARSER {
     const char* const begin = m_next++;
     for (; *m_next != '"'; ++m_next) {
       if (*m_next == '\n') {
-        m_store.source.note_line(++m_line, m_next + 1);
+        count_line(m_next);
       } else if (m_next == m_end) {
         return false;
       }
@@ -359,6 +358,7 @@ class FAULTLESS_PARSER {
     if (sbd_is(*m_next, CC_LETTER)) {
       value->unit = skip_unit();
       if (value->unit == SBD_PARA_VALUE::QU_NONE) return false;
+      value->m_length = static_cast<std::uint32_t>(m_next - begin);
       skip_blank_space();
       return true;
     }
@@ -468,6 +468,7 @@ class FAULTLESS_PARSER {
         value = m_store.make<SBD_PARA_VALUE>();
         value->type = SBD_PARA_VALUE::VT_LIST;
         value->m_position = m_store.position_of(open.begin);
+        value->m_length = static_cast<std::uint32_t>(m_next - open.begin);
         value->list = m_store.make_list(elements.end() - count, count);
         elements.truncate(open.first_element);
         open_lists.pop_back();

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int k_skipped = -1;     // Blanks and newlines.
 constexpr int k_unexpected = -2;  // A character that begins no token.
+constexpr int k_end = 0;          // The end of the input.
 
 // What was matched: a token code, or one of the above, and its length.
 struct MATCH {
@@ -211,6 +212,18 @@ void FlexLexer::set_prev_location() {
   m_prev_location = m_location;
 }
 
+void FlexLexer::set_match(std::string_view text) {
+  m_offset += m_text.size();
+  m_text = text;
+  m_first_line = m_line;
+  m_first_line_begin = m_line_begin;
+  for (std::size_t i = 0; i != text.size(); ++i) {
+    if (text[i] != '\n') continue;
+    ++m_line;
+    m_line_begin = m_offset + i + 1;
+  }
+}
+
 sbd_yyFlexLexer::sbd_yyFlexLexer(const char* text, std::size_t length, SBD_STORE* origin)
     : m_input(text, length), m_origin(origin) {
   init_yy_location();
@@ -222,17 +235,12 @@ int sbd_yyFlexLexer::yylex() {
     m_condition = NORMAL;
   }
   for (;;) {
-    m_offset += m_text.size();
-    const std::string_view rest = m_input.substr(m_offset);
-    if (rest.empty()) {
-      m_text = rest;
-      return 0;
-    }
-    const MATCH match = match_token(rest, m_condition);
-    m_text = rest.substr(0, match.length);
-    for (const char c : m_text) m_line += c == '\n' ? 1 : 0;
+    const std::string_view rest = m_input.substr(m_offset + m_text.size());
+    const MATCH match = rest.empty() ? MATCH{k_end, 0} : match_token(rest, m_condition);
+    set_match(rest.substr(0, match.length));
     set_prev_location();
     set_yy_location();
+    if (match.code == k_end) return 0;
     m_condition = condition_behind(match.code, m_text[0] == '\n', m_condition);
     if (match.code == k_unexpected) {
       sbd_yyerror(this, m_para);

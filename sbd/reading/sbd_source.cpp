@@ -23,21 +23,21 @@ void SBD_SOURCE::release() noexcept {
   m_text = nullptr;
   m_length = 0;
   m_marks.release();
+  m_next_mark = 0;
+  m_line = 1;
+  m_line_begin = 0;
 }
 
 SBD_FILE_PARSER::SBD_SOURCE_RANGE SBD_SOURCE::range(std::size_t offset, std::size_t length) const {
-  const std::uint32_t* const mark =
-      std::upper_bound(m_marks.begin(), m_marks.end(), static_cast<std::uint32_t>(offset));
-  const auto marks_before = static_cast<std::size_t>(mark - m_marks.begin());
-  // Marks are set while the text is parsed; where they end, lines are counted from the last one.
-  std::size_t line_begin = marks_before == 0 ? 0 : mark[-1];
-  unsigned long line = marks_before == 0 ? 1 : marks_before * k_lines_per_mark;
-  for (;;) {
-    const void* const newline =
-        std::memchr(m_text + line_begin, '\n', std::max(offset, line_begin) - line_begin);
+  const std::size_t mark = offset / k_bytes_per_mark;
+  if (mark >= m_marks.size()) return {offset, length, m_line, offset - m_line_begin + 1};
+  LINE line = m_marks[mark];
+  std::size_t next = std::max<std::size_t>(line.begin, mark * k_bytes_per_mark);
+  while (next < offset) {
+    const void* const newline = std::memchr(m_text + next, '\n', offset - next);
     if (newline == nullptr) break;
-    line_begin = static_cast<std::size_t>(static_cast<const char*>(newline) - m_text) + 1;
-    ++line;
+    next = static_cast<std::size_t>(static_cast<const char*>(newline) - m_text) + 1;
+    line = {line.number + 1, static_cast<std::uint32_t>(next)};
   }
-  return {offset, length, line, offset - line_begin + 1};
+  return {offset, length, line.number, offset - line.begin + 1};
 }

@@ -32,10 +32,16 @@ class SBD_SOURCE {
 
   std::string_view text() const { return {m_text, m_length}; }
 
-  // Remembers where some of the lines begin; the reader calls it for every newline in order. `line`
-  // is the number of the line that begins at `next`.
-  void note_line(std::uint32_t line, const char* next) {
-    if (line % k_lines_per_mark == 0) m_marks.push_back(offset_of(next));
+  // Tells of a newline, whose line has the number `line`; the reader calls it for each in order.
+  // Remembers in which line every so many bytes stand, so that no place is far from a known one.
+  void note_newline(const char* newline, std::uint32_t line) {
+    const std::uint32_t offset = offset_of(newline);
+    while (offset >= m_next_mark) {
+      m_marks.push_back({line, m_line_begin});
+      m_next_mark += k_bytes_per_mark;
+    }
+    m_line_begin = offset + 1;
+    m_line = line + 1;
   }
 
   std::uint32_t offset_of(const char* place) const {
@@ -46,11 +52,18 @@ class SBD_SOURCE {
   SBD_FILE_PARSER::SBD_SOURCE_RANGE range(std::size_t offset, std::size_t length) const;
 
  private:
-  static constexpr std::uint32_t k_lines_per_mark = 64;
+  struct LINE {
+    std::uint32_t number;
+    std::uint32_t begin;
+  };
+  static constexpr std::uint32_t k_bytes_per_mark = 2048;
 
   char* m_text = nullptr;
   std::size_t m_length = 0;
-  SBD_SCRATCH<std::uint32_t, 8> m_marks;  // Begin of line 64, 128, ...
+  SBD_SCRATCH<LINE, 8> m_marks;    // The lines in which bytes 0, 2048, ... stand.
+  std::size_t m_next_mark = 0;     // Offset of the first byte without mark.
+  std::uint32_t m_line = 1;        // The line behind the last newline told of,
+  std::uint32_t m_line_begin = 0;  // and where it begins.
 };
 
 #endif

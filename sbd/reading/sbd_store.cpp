@@ -135,5 +135,5 @@ void SBD_STORE::clear_records() noexcept {
   last_root = nullptr;
   has_foreign = false;
   has_reference_counts = true;
-  has_fault_place = false;
+  has_fault_range = false;
 }

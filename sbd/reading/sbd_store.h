@@ -91,9 +91,8 @@ class SBD_STORE {
 
   // Notes where the next message belongs: nowhere for a position of 0.
   void set_fault(std::uint32_t position, std::size_t length) {
-    has_fault_place = position != 0;
-    fault_offset = position - std::size_t{1};
-    fault_length = length;
+    has_fault_range = position != 0;
+    if (has_fault_range) fault_range = source.range(position - std::size_t{1}, length);
   }
 
   // Count the references to a node. The counts can be relied on as long as only the reader and the
@@ -129,9 +128,8 @@ class SBD_STORE {
   bool has_foreign = false;  // Something in the tree or the table lies outside the pool.
   bool has_reference_counts = true;
 
-  bool has_fault_place = false;  // Where the message posted last belongs.
-  std::size_t fault_offset = 0;
-  std::size_t fault_length = 0;
+  bool has_fault_range = false;  // Where the message posted last belongs.
+  SBD_FILE_PARSER::SBD_SOURCE_RANGE fault_range;
 
  private:
   void free_statement(SBD_FILE_PARSER::SBD_STATEMENT* statement) const noexcept;

@@ -16,6 +16,9 @@ LIBRARY_KNOWS = {
     "diagnostics": set(),
     "reading": {"diagnostics"},
     "access": {"diagnostics", "reading"},
+    "source": {"diagnostics", "reading", "access"},
+    "parameter": {"diagnostics", "reading", "access"},
+    "device": {"diagnostics", "reading", "access", "parameter"},
 }
 
 root = pathlib.Path(sys.argv[1])
