@@ -141,11 +141,7 @@ std::string_view SBD_FILE_PARSER::get_source() const {
 
 void SBD_FILE_PARSER::set_fault_place(const SBD_NODE* node) const {
   if (m_store == nullptr) return;
-  m_store->has_fault_place = false;
-  SBD_SOURCE_RANGE range;
   const bool is_block = node != nullptr && node->type == SBD_NODE::NT_BLOCK;
-  if (!(is_block ? get_name_range(node, range) : get_range(node, range))) return;
-  m_store->has_fault_place = true;
-  m_store->fault_offset = range.offset;
-  m_store->fault_length = range.length;
+  SBD_SOURCE_RANGE& range = m_store->fault_range;
+  m_store->has_fault_range = is_block ? get_name_range(node, range) : get_range(node, range);
 }
