@@ -1,0 +1,274 @@
+// What the tool does where no golden file can say it: terminals, broken pipes, huge files.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "sbd/sbd_file_parser.h"
+#include "tests/support/temporary_files.h"
+#include "tests/tool/run_tool.h"
+
+namespace {
+
+constexpr char k_small[] = "device board {\n  size = 64K; # all of it\n}\n";
+constexpr char k_faulty[] = "device board {\n  size = 08;\n}\n";
+constexpr char k_escape = '\x1b';
+
+std::string repeat(std::string_view text, std::size_t count) {
+  std::string result;
+  result.reserve(text.size() * count);
+  while (count-- > 0) result += text;
+  return result;
+}
+
+bool has_colors(const std::string& text) {
+  return text.find(k_escape) != std::string::npos;
+}
+
+std::size_t count_lines(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// A folder with a file in it for the tool to work on.
+class TOOL : public testing::Test {
+ protected:
+  void write(const std::string& file, std::string_view content) { m_folder.write(file, content); }
+  TOOL_RUN run(const std::string& script) { return run_script(m_folder.path(), script); }
+  TOOL_RUN run_on_terminal(const std::string& script) {
+    return run_script_on_terminal(m_folder.path(), script);
+  }
+
+ private:
+  TEMPORARY_DIRECTORY m_folder;
+};
+
+// ---- Colours -----------------------------------------------------------------------------------
+
+class TOOL_COLORS : public TOOL {
+ protected:
+  void SetUp() override {
+    write("a.sbd", k_small);
+    write("bad.sbd", k_faulty);
+  }
+};
+
+TEST_F(TOOL_COLORS, AreForTerminals) {
+  EXPECT_TRUE(has_colors(run_on_terminal("sbd show a.sbd").out));
+  EXPECT_TRUE(has_colors(run_on_terminal("sbd check bad.sbd").out));
+  EXPECT_TRUE(has_colors(run_on_terminal("sbd get bad.sbd board.size >/dev/null").out));
+  EXPECT_FALSE(has_colors(run("sbd show a.sbd").out));
+  EXPECT_FALSE(has_colors(run("sbd check bad.sbd").out));
+}
+
+TEST_F(TOOL_COLORS, AreNotForJson) {
+  EXPECT_FALSE(has_colors(run_on_terminal("sbd show --json a.sbd").out));
+  EXPECT_FALSE(has_colors(run_on_terminal("sbd get a.sbd board.size").out));
+}
+
+TEST_F(TOOL_COLORS, GiveWayToNoColor) {
+  EXPECT_FALSE(has_colors(run_on_terminal("NO_COLOR=1 sbd show a.sbd").out));
+  EXPECT_FALSE(has_colors(run_on_terminal("NO_COLOR=1 sbd check bad.sbd").out));
+  EXPECT_TRUE(has_colors(run_on_terminal("NO_COLOR= sbd show a.sbd").out));
+  EXPECT_FALSE(has_colors(run_on_terminal("TERM=dumb sbd show a.sbd").out));
+}
+
+TEST_F(TOOL_COLORS, FollowTheOption) {
+  EXPECT_TRUE(has_colors(run("NO_COLOR=1 sbd show --color=always a.sbd").out));
+  EXPECT_TRUE(has_colors(run("sbd check --color always bad.sbd").out));
+  EXPECT_FALSE(has_colors(run_on_terminal("sbd show --color=never a.sbd").out));
+}
+
+// ---- Outputs that fail -------------------------------------------------------------------------
+
+class TOOL_OUTPUT : public TOOL {
+ protected:
+  void SetUp() override {
+    std::string members;
+    for (int i = 0; i < 50000; ++i) members += fmt::format("  parameter_{} = {};\n", i, i);
+    write("large.sbd", "device board {\n" + members + "}\n");
+    write("faulty.sbd", "device board {\n" + repeat("  x < y >;\n", 5000) + "}\n");
+  }
+
+  // Runs the command into a pipe whose reader stops after the first line.
+  TOOL_RUN run_into_broken_pipe(const std::string& command) {
+    return run("{ " + command + "; echo $? >exit; } | head -n 1 >/dev/null; cat exit");
+  }
+};
+
+TEST_F(TOOL_OUTPUT, BrokenPipeIsQuiet) {
+  for (const char* const command :
+       {"sbd show large.sbd", "sbd show --json large.sbd", "sbd list --parameters large.sbd"}) {
+    const TOOL_RUN broken = run_into_broken_pipe(command);
+    EXPECT_EQ(broken.out, "0\n") << command;
+    EXPECT_EQ(broken.err, "") << command;
+  }
+}
+
+TEST_F(TOOL_OUTPUT, BrokenPipeDoesNotHideFaults) {
+  const TOOL_RUN broken = run_into_broken_pipe("sbd check faulty.sbd");
+  EXPECT_EQ(broken.out, "1\n");
+  EXPECT_EQ(broken.err, "");
+}
+
+TEST_F(TOOL_OUTPUT, FullDiskIsTold) {
+  for (const char* const command : {"sbd show large.sbd", "sbd get large.sbd board.parameter_7",
+                                    "sbd check faulty.sbd", "sbd --help", "sbd --version"}) {
+    const TOOL_RUN full = run(std::string(command) + " >/dev/full");
+    EXPECT_EQ(full.exit_code, 2) << command;
+    EXPECT_EQ(full.err, "sbd: can't write the output: No space left on device\n") << command;
+  }
+}
+
+TEST_F(TOOL_OUTPUT, ClosedOutputIsTold) {
+  const TOOL_RUN closed = run("sbd get large.sbd board.parameter_7 >&-");
+  EXPECT_EQ(closed.exit_code, 2);
+  EXPECT_EQ(closed.err, "sbd: can't write the output: Bad file descriptor\n");
+}
+
+TEST_F(TOOL_OUTPUT, ClosedErrorOutputChangesNothing) {
+  EXPECT_EQ(run("sbd get large.sbd nothing 2>&-").exit_code, 1);
+  EXPECT_EQ(run("sbd get large.sbd nothing 2>/dev/full").exit_code, 1);
+}
+
+// ---- Inputs of all sorts -----------------------------------------------------------------------
+
+class TOOL_INPUT : public TOOL {};
+
+TEST_F(TOOL_INPUT, ReadsPipes) {
+  write("a.sbd", k_small);
+  EXPECT_EQ(run("mkfifo pipe; cat a.sbd >pipe & sbd get pipe board.size").out, "65536\n");
+  EXPECT_EQ(run("cat a.sbd | sbd get /dev/stdin board.size").out, "65536\n");
+  EXPECT_EQ(run("cat a.sbd | sbd get - board.size").out, "65536\n");
+}
+
+TEST_F(TOOL_INPUT, ReadsLargePipes) {
+  write("large.sbd", "device board {\n" + repeat("# comment\n", 100000) + "  x = 1;\n}\n");
+  EXPECT_EQ(run("cat large.sbd | sbd get - board.x").out, "1\n");
+}
+
+TEST_F(TOOL_INPUT, ClosedStandardInputIsUnreadable) {
+  const TOOL_RUN closed = run("sbd check - <&-");
+  EXPECT_EQ(closed.exit_code, 2);
+  EXPECT_NE(closed.out.find("<stdin>: note: Bad file descriptor\n"), std::string::npos);
+}
+
+TEST_F(TOOL_INPUT, EveryByteMayBeWrong) {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  write("bytes.sbd", bytes + bytes);
+  const TOOL_RUN checked = run("sbd check bytes.sbd");
+  EXPECT_EQ(checked.exit_code, 1);
+  EXPECT_EQ(checked.err, "");
+  const bool is_fit_for_terminals =
+      std::none_of(checked.out.begin(), checked.out.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x7F || (byte < 0x20 && c != '\n');
+      });
+  EXPECT_TRUE(is_fit_for_terminals);
+}
+
+TEST_F(TOOL_INPUT, FindingsHaveALimit) {
+  write("dollars.sbd", std::string(50000, '$'));
+  const TOOL_RUN checked = run("sbd check -v dollars.sbd");
+  EXPECT_EQ(checked.exit_code, 1);
+  EXPECT_EQ(count_lines(checked.out), 3 * 10000U + 1);
+  EXPECT_NE(checked.out.find("dollars.sbd: note: 40000 more not shown\n"), std::string::npos);
+  EXPECT_EQ(checked.err, "50000 errors\n");
+}
+
+// ---- Lists -------------------------------------------------------------------------------------
+
+// The tool walks the tree by itself, so that names need not all be in memory.
+TEST_F(TOOL, ListsWhatTheLibraryFinds) {
+  const std::string text =
+      "device a { module m { bus b { slave s { region r { x = 1; } } } module n { x = 1; } } }\n"
+      "device c { parameters p { module q { x = 1; } } master t { x = 1; } }\n";
+  write("a.sbd", text);
+  SBD_FILE_PARSER document;
+  ASSERT_TRUE(document.read_text(text.data(), text.size(), "a.sbd"));
+  for (const char* const scope : {"", "a", "a.m", "c.p", "c.t"}) {
+    for (const char* const type :
+         {"device", "bus", "module", "slave", "master", "region", "parameters"}) {
+      SBD_STRING_LIST names;
+      document.get_typed_blocks(type, names, *scope != '\0' ? scope : nullptr);
+      std::string expected;
+      for (const SBD_STRING& name : names) expected.append(name).append("\n");
+      const std::string option = *scope != '\0' ? fmt::format("--scope {} ", scope) : "";
+      EXPECT_EQ(run(fmt::format("sbd list --type {} {}a.sbd", type, option)).out, expected)
+          << type << " in " << scope;
+    }
+  }
+}
+
+// ---- Deep nesting ------------------------------------------------------------------------------
+
+class TOOL_DEPTH : public TOOL {
+ protected:
+  static constexpr std::size_t k_depth = 100000;
+
+  void SetUp() override {
+    write("blocks.sbd", "device d {\n" + repeat("module m {\n", k_depth) +
+                            "parameters p { x = 1; y < .x >; }\n" + repeat("}\n", k_depth) + "}\n");
+  }
+};
+
+TEST_F(TOOL_DEPTH, Check) {
+  const TOOL_RUN checked = run("sbd check blocks.sbd");
+  EXPECT_EQ(checked.exit_code, 0);
+  EXPECT_EQ(checked.out + checked.err, "");
+}
+
+TEST_F(TOOL_DEPTH, CheckFaulty) {
+  write("open.sbd", "device d {\n" + repeat("module m {\n", k_depth));
+  EXPECT_EQ(run("sbd check open.sbd").exit_code, 1);
+}
+
+TEST_F(TOOL_DEPTH, Show) {
+  const TOOL_RUN shown = run("sbd show blocks.sbd | tail -n 3 | cut -c 1-81");
+  const std::string indent(64, ' ');
+  EXPECT_EQ(shown.out, indent + "[100001] paramete\n" + indent + "[100002] x = 1\n" + indent +
+                           "[100002] y -> d.m\n");
+  // The text does not grow with the square of the depth.
+  EXPECT_LT(std::stoul(run("sbd show blocks.sbd | wc -c").out), 100 * k_depth);
+}
+
+TEST_F(TOOL_DEPTH, ShowJson) {
+  const TOOL_RUN shown = run("sbd show --json blocks.sbd | grep -c '\"kind\": \"block\"'");
+  EXPECT_EQ(shown.out, fmt::format("{}\n", k_depth + 2));
+  EXPECT_LT(std::stoul(run("sbd show --json blocks.sbd | wc -c").out), 1000 * k_depth);
+}
+
+TEST_F(TOOL_DEPTH, ShowSubtree) {
+  EXPECT_EQ(run("sbd show blocks.sbd d.m.m | wc -l").out, fmt::format("{}\n", k_depth + 2));
+}
+
+TEST_F(TOOL_DEPTH, Get) {
+  const std::string name = "d" + repeat(".m", 30000) + ".x";
+  const TOOL_RUN got = run("sbd get blocks.sbd " + name);
+  EXPECT_EQ(got.exit_code, 1);
+  EXPECT_LT(got.err.size(), 500U);
+  EXPECT_NE(got.err.find("m.m.p.x'?\n"), std::string::npos) << got.err;
+}
+
+TEST_F(TOOL_DEPTH, List) {
+  const std::string deepest = "d" + repeat(".m", k_depth) + ".p\n";
+  EXPECT_EQ(run("sbd list --type parameters blocks.sbd").out, deepest);
+  EXPECT_EQ(run("sbd list blocks.sbd | head -n 3").out, "d\nd.m\nd.m.m\n");
+}
+
+TEST_F(TOOL_DEPTH, Lists) {
+  constexpr std::size_t k_list_depth = 2000;
+  write("lists.sbd", "device d { x = " + repeat("{1, ", k_list_depth) + "2" +
+                         repeat("}", k_list_depth) + "; }\n");
+  const std::string list = repeat("{1, ", k_list_depth) + "2" + repeat("}", k_list_depth) + "\n";
+  EXPECT_EQ(run("sbd get lists.sbd d.x").out, list);
+  EXPECT_EQ(run("sbd show lists.sbd d.x").out, "d.x = " + list);
+  const std::string json = repeat("[1, ", k_list_depth) + "2" + repeat("]", k_list_depth) + "\n";
+  EXPECT_EQ(run("sbd get --json lists.sbd d.x").out, json);
+  EXPECT_EQ(run("sbd show --json lists.sbd | grep -c '\"kind\": \"list\"'").out,
+            fmt::format("{}\n", k_list_depth));
+}
+
+}  // namespace

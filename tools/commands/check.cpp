@@ -1,0 +1,124 @@
+// sbd check: says what is wrong with files.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tools/commands/command.h"
+#include "tools/commands/options.h"
+#include "tools/descriptor.h"
+#include "tools/finding_printer.h"
+#include "tools/input.h"
+
+namespace sbd_tool {
+
+namespace {
+
+constexpr char k_examples[] =
+    "Prints every finding with its place, and ends with exit code 1 when there is an error.\n"
+    "\n"
+    "Examples:\n"
+    "  sbd check board.sbd\n"
+    "  sbd check -v boards/*.sbd\n"
+    "  sbd check -q board.sbd && echo fine\n"
+    "  generate_board | sbd check -";
+
+// What is wrong with the argument; empty if it is a number. (The library itself would take -1.)
+std::string is_count(const std::string& argument) {
+  const bool has_digits_only = argument.find_first_not_of("0123456789") == std::string::npos;
+  if (has_digits_only && !argument.empty()) return {};
+  return fmt::format("'{}' is not a number of findings", argument);
+}
+
+std::string count_of(std::size_t count, std::string_view thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+// What was found in all files together.
+struct TOTALS {
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+  std::size_t files = 0;
+  std::size_t files_with_findings = 0;
+
+  void add(const FINDINGS& findings) {
+    ++files;
+    errors += findings.error_count;
+    warnings += findings.warning_count;
+    if (!findings.empty()) ++files_with_findings;
+  }
+
+  std::string summarize() const {
+    if (files_with_findings == 0) return fmt::format("no errors in {}", count_of(files, "file"));
+    std::string text = count_of(errors, "error");
+    if (warnings != 0) text += " and " + count_of(warnings, "warning");
+    return files == 1 ? text
+                      : fmt::format("{} in {} of {} files", text, files_with_findings, files);
+  }
+};
+
+class CHECK_COMMAND : public COMMAND {
+ public:
+  CLI::App* declare(CLI::App& tool) override {
+    CLI::App* const command = tool.add_subcommand("check", "Say what is wrong with files");
+    command->add_option("FILE", m_files, "Descriptor files; \"-\" is standard input")
+        ->required()
+        ->type_name("");
+    command->add_flag("-q,--quiet", m_is_quiet, "Print nothing: the exit code says it all");
+    command->add_flag("-v,--verbose", m_is_verbose, "Print a summary in any case")
+        ->excludes("--quiet");
+    command
+        ->add_option(
+            "--max-findings", m_finding_limit,
+            fmt::format("Print so many findings of each file (0: all of them; default: {})",
+                        k_default_finding_limit))
+        ->check(is_count)
+        ->type_name("N");
+    add_color(*command, m_colors);
+    command->footer(k_examples);
+    return command;
+  }
+
+  void run(SESSION& session) override {
+    if (std::count(m_files.begin(), m_files.end(), k_standard_input) > 1) {
+      session.complain("standard input can be read only once", EXIT_UNUSABLE);
+      return;
+    }
+    TOTALS totals;
+    for (const std::string& file : m_files) totals.add(check(session, file));
+    print_summary(session, totals);
+  }
+
+ private:
+  FINDINGS check(SESSION& session, const std::string& file) {
+    const auto descriptor = read_descriptor(file, m_finding_limit);
+    session.note(descriptor->outcome);
+    if (!m_is_quiet) {
+      print_findings(session.out(), make_painter(m_colors, session.out()), descriptor->name,
+                     descriptor->source, descriptor->findings);
+    }
+    return std::move(descriptor->findings);
+  }
+
+  void print_summary(SESSION& session, const TOTALS& totals) {
+    const bool is_worth_saying = totals.files > 1 && totals.files_with_findings > 0;
+    if (m_is_quiet || !(is_worth_saying || m_is_verbose)) return;
+    session.out().flush();
+    session.err().write_line(totals.summarize());
+  }
+
+  std::vector<std::string> m_files;
+  std::size_t m_finding_limit = k_default_finding_limit;
+  bool m_is_quiet = false;
+  bool m_is_verbose = false;
+  COLOR_CHOICE m_colors = COLOR_CHOICE::AUTO;
+};
+
+}  // namespace
+
+std::unique_ptr<COMMAND> make_check_command() {
+  return std::make_unique<CHECK_COMMAND>();
+}
+
+}  // namespace sbd_tool

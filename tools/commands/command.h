@@ -1,0 +1,34 @@
+// What every command of the tool has.
+#ifndef TOOLS_COMMANDS_COMMAND_H
+#define TOOLS_COMMANDS_COMMAND_H
+
+#include <memory>
+
+#include "tools/session.h"
+
+namespace CLI {
+class App;
+}
+
+namespace sbd_tool {
+
+class COMMAND {
+ public:
+  virtual ~COMMAND() = default;
+
+  // Declares the command, its options and its help; its arguments are then parsed into members.
+  // The command must live as long as `tool`.
+  virtual CLI::App* declare(CLI::App& tool) = 0;
+
+  // Does the work. How it went is noted in the session.
+  virtual void run(SESSION& session) = 0;
+};
+
+std::unique_ptr<COMMAND> make_check_command();
+std::unique_ptr<COMMAND> make_show_command();
+std::unique_ptr<COMMAND> make_get_command();
+std::unique_ptr<COMMAND> make_list_command();
+
+}  // namespace sbd_tool
+
+#endif

@@ -1,0 +1,83 @@
+#include "tools/findings.h"
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <cstdio>
+
+#include "tools/visible_text.h"
+
+namespace sbd_tool {
+
+namespace {
+
+// A document belongs to one thread while it reads, and posts in that thread.
+thread_local FINDING_COLLECTOR* t_collector = nullptr;
+
+std::atomic<bool> g_had_internal_error{false};
+
+void report_internal_error(const char* what) noexcept {
+  g_had_internal_error = true;
+  std::fprintf(stderr, "sbd: internal error: %s\n", what);
+}
+
+void take_message(const sbd_host::MESSAGE& message) noexcept {
+  try {
+    if (t_collector != nullptr) {
+      t_collector->take(message);
+      return;
+    }
+    const std::string line = "sbd: " + make_visible(message.text) + "\n";
+    std::fputs(line.c_str(), stderr);
+  } catch (...) {
+    report_internal_error("out of memory for a message");
+  }
+}
+
+void take_internal_error(const sbd_host::INTERNAL_ERROR& error) noexcept {
+  try {
+    const std::string where = fmt::format("({}, {}:{})", error.module, error.source, error.line);
+    report_internal_error((make_visible(error.condition) + " " + where).c_str());
+  } catch (...) {
+    report_internal_error(error.condition);
+  }
+}
+
+}  // namespace
+
+FINDING_COLLECTOR::FINDING_COLLECTOR(const SBD_FILE_PARSER& reader, std::size_t limit,
+                                     FINDINGS& findings)
+    : m_reader(reader), m_limit(limit), m_findings(findings) {
+  t_collector = this;
+}
+
+FINDING_COLLECTOR::~FINDING_COLLECTOR() {
+  t_collector = nullptr;
+}
+
+void FINDING_COLLECTOR::take(const sbd_host::MESSAGE& message) {
+  if (message.severity == SEVERITY::DEBUG) return;
+  ++(message.severity == SEVERITY::ERROR ? m_findings.error_count : m_findings.warning_count);
+  if (m_limit != 0 && m_findings.list.size() >= m_limit) {
+    ++m_findings.omitted_count;
+    return;
+  }
+  FINDING finding;
+  finding.severity = message.severity;
+  finding.key = message.key;
+  finding.text = message.text;
+  SOURCE_RANGE place;
+  if (m_reader.get_fault_range(place)) finding.place = place;
+  m_findings.list.push_back(std::move(finding));
+}
+
+void install_handlers() {
+  sbd_host::set_message_handler(take_message);
+  sbd_host::set_internal_error_handler(take_internal_error);
+}
+
+bool had_internal_error() {
+  return g_had_internal_error;
+}
+
+}  // namespace sbd_tool

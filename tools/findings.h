@@ -1,0 +1,63 @@
+// What the library has to say about a file.
+#ifndef TOOLS_FINDINGS_H
+#define TOOLS_FINDINGS_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/sbd_host.h"
+#include "sbd/sbd_file_parser.h"
+
+namespace sbd_tool {
+
+using SEVERITY = sbd_host::SEVERITY;
+using SOURCE_RANGE = SBD_FILE_PARSER::SBD_SOURCE_RANGE;
+
+// One message about a file.
+struct FINDING {
+  SEVERITY severity = SEVERITY::ERROR;
+  std::string key;
+  std::string text;
+  std::optional<SOURCE_RANGE> place;
+  std::string note;  // What the tool knows besides; may be empty.
+};
+
+// All messages about a file, in the order they came.
+struct FINDINGS {
+  std::vector<FINDING> list;
+  std::size_t omitted_count = 0;  // Those that came when the list was full.
+  std::size_t error_count = 0;    // With the omitted ones.
+  std::size_t warning_count = 0;
+
+  bool empty() const { return error_count == 0 && warning_count == 0; }
+};
+
+// While it lives, takes what the library posts in this thread. One at a time per thread.
+class FINDING_COLLECTOR {
+ public:
+  // Keeps the places that `reader` gives, and the first `limit` messages (0: all of them).
+  FINDING_COLLECTOR(const SBD_FILE_PARSER& reader, std::size_t limit, FINDINGS& findings);
+  ~FINDING_COLLECTOR();
+  FINDING_COLLECTOR(const FINDING_COLLECTOR&) = delete;
+  FINDING_COLLECTOR& operator=(const FINDING_COLLECTOR&) = delete;
+
+  void take(const sbd_host::MESSAGE& message);
+
+ private:
+  const SBD_FILE_PARSER& m_reader;
+  std::size_t m_limit;
+  FINDINGS& m_findings;
+};
+
+// Makes the library's messages go to the collector of the thread that posts them, and its internal
+// errors to standard error.
+void install_handlers();
+
+// True once the library has reported an internal error: results can't be trusted then.
+bool had_internal_error();
+
+}  // namespace sbd_tool
+
+#endif

@@ -1,0 +1,71 @@
+#include "tools/lookup.h"
+
+#include <fmt/format.h>
+
+#include "tools/near_names.h"
+#include "tools/visible_text.h"
+
+namespace sbd_tool {
+
+namespace {
+
+// Names may be of any length, too.
+constexpr std::size_t k_widest_name = 200;
+
+std::string quote(std::string_view name) {
+  return fmt::format("'{}'", make_visible(name, k_widest_name));
+}
+
+std::string_view description_of(WANTED wanted) {
+  switch (wanted) {
+    case WANTED::BLOCK:
+      return "block";
+    case WANTED::PARAMETER:
+      return "parameter";
+    case WANTED::ANY:
+      break;
+  }
+  return "block or parameter";
+}
+
+std::string suggest(const DESCRIPTOR& descriptor, const std::string& name, WANTED wanted) {
+  std::string text;
+  for (const std::string& near_name : find_near_names(descriptor.document, name, wanted)) {
+    text += (text.empty() ? "; did you mean " : " or ") + quote(near_name);
+  }
+  return text.empty() ? text : text + "?";
+}
+
+void complain_of_missing(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,
+                         WANTED wanted) {
+  session.complain(fmt::format("no {} {} in {}{}", description_of(wanted), quote(name),
+                               make_visible(descriptor.name), suggest(descriptor, name, wanted)),
+                   EXIT_FAULTS);
+}
+
+void complain_of_unwanted(SESSION& session, const DESCRIPTOR& descriptor, const NODE& node,
+                          WANTED wanted) {
+  const std::string_view found = node.type == NODE::NT_BLOCK ? "block" : "parameter";
+  session.complain(
+      fmt::format("{} in {} is a {}, not a {}", quote(full_name(descriptor.document, node)),
+                  make_visible(descriptor.name), found, description_of(wanted)),
+      EXIT_FAULTS);
+}
+
+}  // namespace
+
+const NODE* find_wanted(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,
+                        WANTED wanted) {
+  const NODE* const node = find_node(descriptor.document, name, nullptr);
+  if (node == nullptr) {
+    complain_of_missing(session, descriptor, name, wanted);
+    return nullptr;
+  }
+  if (!is_wanted(*node, wanted)) {
+    complain_of_unwanted(session, descriptor, *node, wanted);
+    return nullptr;
+  }
+  return node;
+}
+
+}  // namespace sbd_tool
