@@ -160,7 +160,8 @@ SBD_EDITED_TEXT SBD_EDITED_TEXT::of_references(std::string_view head, std::strin
   return statement;
 }
 
-// `part` may be one of ours, and so it is read before anything moves.
+// `part` may be one of ours, and so it is read before anything moves. A part that begins where the
+// replaced one does is that one, or holds it, and keeps its begin.
 void SBD_EDITED_TEXT::replace(const SBD_PART& part, std::string_view text) {
   const SBD_PART old = part;
   m_text.replace(old.begin, old.size(), text.data(), text.size());
@@ -178,12 +179,8 @@ void SBD_EDITED_TEXT::put_name(std::string_view name) {
 }
 
 void SBD_EDITED_TEXT::put_value(std::string_view value) {
-  const bool has_attributes = m_attributes.size() != 0;
-  const std::size_t gap = m_attributes.begin - m_body.end;
   replace(m_body, value);
-  m_attributes.begin = m_body.end + gap;
-  if (!has_attributes) m_attributes.end = m_attributes.begin;
-  if (has_attributes) detach_attributes();
+  if (m_attributes.size() != 0) detach_attributes();
 }
 
 // Right behind a number, a "[" would leave the scanner where it knows no names.

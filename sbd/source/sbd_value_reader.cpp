@@ -1,0 +1,58 @@
+#include "sbd/source/sbd_value_reader.h"
+
+#include <algorithm>
+
+#include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_parser_fast.h"
+#include "sbd/reading/sbd_store.h"
+
+namespace {
+
+using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
+
+constexpr std::string_view k_before = "device d{v=";
+constexpr std::string_view k_behind = ";}";
+
+bool is_space(char c) {
+  return sbd_is(c, CC_BLANK) || c == '\n';
+}
+
+// The assignment of a document that is one block with this one member; null for any other.
+const SBD_STATEMENT* only_assignment(const SBD_NODE* root) {
+  if (root == nullptr || root->next != nullptr || root->type != SBD_NODE::NT_BLOCK) return nullptr;
+  const SBD_NODE* const member = root->block->members;
+  if (member == nullptr || member->next != nullptr) return nullptr;
+  if (member->type != SBD_NODE::NT_STATEMENT) return nullptr;
+  const SBD_STATEMENT* const statement = member->statement;
+  const bool is_plain = statement->type == SBD_STATEMENT::ST_ASSIGNMENT &&
+                        statement->attributes == nullptr && statement->comment == nullptr;
+  return is_plain ? statement : nullptr;
+}
+
+}  // namespace
+
+std::string_view sbd_trim(std::string_view text) {
+  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+// The value is parsed as part of the smallest document around it. The quick parser posts nothing.
+const SBD_FILE_PARSER::SBD_PARA_VALUE* SBD_VALUE_READER::read(std::string_view text) {
+  auto& para = m_document.get_parser_para();
+  if (para.symbol_table == nullptr) return nullptr;
+  const std::size_t length = k_before.size() + text.size() + k_behind.size();
+  if (length > SBD_SOURCE::k_longest) return nullptr;
+  m_document.clear();
+  char* const buffer = SBD_SOURCE::allocate(length);
+  char* end = std::copy(k_before.begin(), k_before.end(), buffer);
+  end = std::copy(text.begin(), text.end(), end);
+  std::copy(k_behind.begin(), k_behind.end(), end);
+
+  SBD_STORE& store = *para.symbol_table->store();
+  store.source.adopt(buffer, length);
+  if (!sbd_parse_faultless(store.source.text(), store, para)) return nullptr;
+  const SBD_STATEMENT* const statement = only_assignment(para.root);
+  return statement != nullptr ? statement->value : nullptr;
+}
