@@ -112,6 +112,7 @@ class SBD_API SBD_FILE_PARSER {
     std::uint32_t m_size = 0;
     std::uint32_t m_capacity = 0;  // 0 when the items lie in the document's own memory.
     SBD_VALUE_LIST* m_next_to_free = nullptr;
+    bool* m_grown = nullptr;  // Where a list of the reader's notes that it holds other elements.
   };
 
   // A value as written: kind, number or text, and unit. Numbers are kept unscaled.

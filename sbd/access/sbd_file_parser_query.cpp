@@ -47,10 +47,10 @@ std::size_t count_references(const SBD_NODE* node, const SBD_NODE* target) {
   return count;
 }
 
-// How many references to a block stand in the block itself.
+// How many references to an object stand in the object itself.
 std::size_t references_inside(const SBD_NODE* target) {
   if (target->m_references == 0) return 0;
-  std::size_t count = 0;
+  std::size_t count = count_references(target, target);
   SBD_TREE_WALK walk(sbd_members_of(target));
   while (const SBD_NODE* const node = walk.next()) count += count_references(node, target);
   return count;

@@ -50,7 +50,7 @@ bool SBD_FILE_PARSER::resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top
 }
 
 bool SBD_FILE_PARSER::check_declaration(SBD_SYMBOL* symbol) {
-  if (!SBD_CHECK(symbol != nullptr, "symbol != NULL", k_source_file_parser)) return true;
+  if (!SBD_CHECK(symbol != nullptr, "symbol != NULL", k_source_file_parser)) return false;
   if (m_store == nullptr || symbol->name == nullptr) return true;
   return sbd_guarded(k_source_file_parser, false, [this, symbol] {
     const SBD_NODE* const scope = SBD_NAME_INDEX::scope_of(symbol);

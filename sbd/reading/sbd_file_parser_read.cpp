@@ -112,6 +112,7 @@ bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* 
     const std::string_view text = m_store->source.text();
     sbd_yyFlexLexer scanner(text.data(), text.size(), m_store);
     scanner.set_file_name(m_file_name);
+    m_store->facts.gives_parents = true;
     const int result = sbd_yyparse(&scanner, &m_parser_para);
     return result == 0 && m_parser_para.error_count == 0 && run_checks();
   });

@@ -1,4 +1,5 @@
 // The document's records: making, linking and freeing them.
+#include <memory>
 #include <new>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
@@ -36,8 +37,11 @@ const char* sbd_version() noexcept {
 SBD_FILE_PARSER::SBD_FILE_PARSER() noexcept {
   try {
     m_store = new SBD_STORE;
-    m_parser_para.symbol_table =
-        ::new (SBD_RECORD::operator new(sizeof(SBD_SYMBOL_TABLE))) SBD_SYMBOL_TABLE(m_store);
+    const auto give_back = [](void* place) { SBD_RECORD::operator delete(place); };
+    std::unique_ptr<void, decltype(give_back)> place(
+        SBD_RECORD::operator new(sizeof(SBD_SYMBOL_TABLE)), give_back);
+    m_parser_para.symbol_table = ::new (place.get()) SBD_SYMBOL_TABLE(m_store);
+    (void)place.release();
   } catch (...) {
     sbd_report_internal_error("out of memory", k_source_file_parser, __LINE__);
     delete m_store;
@@ -128,7 +132,9 @@ void SBD_FILE_PARSER::free_node(SBD_NODE* node) noexcept {
 }
 
 void SBD_FILE_PARSER::free_para_val(SBD_PARA_VALUE* value) const noexcept {
-  if (m_store != nullptr) m_store->free_value(value);
+  if (m_store == nullptr) return;
+  m_store->free_value(value);
+  m_store->has_foreign = true;  // Something of the caller's will take its place.
 }
 
 void SBD_FILE_PARSER::add_symbol(SBD_SYMBOL* symbol) {

@@ -75,9 +75,6 @@ bool has_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
 
 bool SBD_NAME_INDEX::close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first,
                                  const SBD_OPEN_MEMBER* last, std::size_t unnamed, SBD_POOL& pool) {
-  for (const auto* member = first; member != last; ++member) {
-    member->symbol->parent = block != nullptr ? block : member->symbol->node;
-  }
   const auto count = static_cast<std::size_t>(last - first);
   if (count + unnamed <= k_small_scope) return !has_twins(first, last);
 

@@ -34,9 +34,9 @@ class SBD_NAME_INDEX {
 
   // Scopes are named by their block's node; null is the top level.
 
-  // Closes the scope of `block` (null: the top level): gives its symbols their parent and indexes
-  // them. False when two of them have the same name; the first one is then the one to be found.
-  // `unnamed` tells how many more members the scope has, which declare no name.
+  // Closes the scope of `block` (null: the top level) and indexes its symbols. False when two of
+  // them have the same name; the first one is then the one to be found. `unnamed` tells how many
+  // more members the scope has, which declare no name.
   bool close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last,
                    std::size_t unnamed, SBD_POOL& pool);
 

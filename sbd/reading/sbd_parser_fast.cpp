@@ -12,6 +12,7 @@ using SBD_PARA_ATTR = SBD_FILE_PARSER::SBD_PARA_ATTR;
 using SBD_PARA_REF = SBD_FILE_PARSER::SBD_PARA_REF;
 using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
 using SBD_PARSER_PARA = SBD_FILE_PARSER::SBD_PARSER_PARA;
+using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 using SBD_TOKEN_INFO = SBD_FILE_PARSER::SBD_TOKEN_INFO;
 
 namespace {
@@ -217,6 +218,12 @@ class FAULTLESS_PARSER {
   // Takes the innermost open scope's names from the open ones.
   void close_scope(SBD_NODE* block) {
     auto& names = m_store.open_members;
+    if (m_store.facts.gives_parents) {
+      for (std::size_t i = m_members.first_name; i != names.size(); ++i) {
+        SBD_SYMBOL* const symbol = names[i].symbol;
+        symbol->parent = block != nullptr ? block : symbol->node;
+      }
+    }
     const bool is_unique = m_store.names.close_scope(block, names.begin() + m_members.first_name,
                                                      names.end(), m_members.comments, m_store.pool);
     if (!is_unique) m_store.facts.has_duplicate_names = true;

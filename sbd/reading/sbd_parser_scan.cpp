@@ -205,7 +205,7 @@ void FlexLexer::init_yy_location() {
 }
 
 void FlexLexer::set_yy_location() {
-  m_location = {m_offset, m_text.size(), m_line};
+  m_location = {m_offset, m_text.size(), m_first_line, m_offset - m_first_line_begin + 1, m_line};
 }
 
 void FlexLexer::set_prev_location() {

@@ -27,6 +27,7 @@ SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t c
   list->m_items = static_cast<SBD_PARA_VALUE**>(pool.take(count * sizeof(SBD_PARA_VALUE*)));
   std::copy_n(first, count, list->m_items);
   list->m_size = static_cast<std::uint32_t>(count);
+  list->m_grown = &has_foreign;
   return list;
 }
 
@@ -41,6 +42,7 @@ void SBD_VALUE_LIST::push_back(SBD_PARA_VALUE* value) {
     m_capacity = capacity;
   }
   m_items[m_size++] = value;
+  if (m_grown != nullptr) *m_grown = true;
 }
 
 void SBD_STORE::free_value(SBD_PARA_VALUE* value) const noexcept {
@@ -101,6 +103,8 @@ void SBD_STORE::free_statement(SBD_STATEMENT* statement) const noexcept {
     free_attributes(statement->attributes);
   } else if (statement->type == SBD_STATEMENT::ST_REFERENCE) {
     free_references(statement->reference);
+  } else {
+    sbd_report_internal_error("Invalid statement type", k_source_file_parser, __LINE__);
   }
   free_record(statement);
 }

@@ -19,11 +19,15 @@
 // What the parser noticed while it built the tree. The checks that post messages run only when
 // there is something to say.
 struct SBD_PARSE_FACTS {
+  // Whether the parser gives the symbols their parents: the reader asks for it, since its checks
+  // would do nothing else for most documents.
+  bool gives_parents = false;
   bool has_duplicate_names = false;
   bool has_misplaced_blocks = false;
   SBD_SCRATCH<SBD_FILE_PARSER::SBD_STATEMENT*, 16> references;  // In file order.
 
   void clear() noexcept {
+    gives_parents = false;
     has_duplicate_names = false;
     has_misplaced_blocks = false;
     references.release();

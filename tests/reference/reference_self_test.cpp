@@ -265,7 +265,7 @@ TEST(REFERENCE_VALUE, Others) {
   EXPECT_EQ(value_line("tRue"), "string \"tRue\" unit 0");
   EXPECT_EQ(value_line("\"a b\""), "string \"\\\"a b\\\"\" unit 0");
   EXPECT_EQ(value_line("\"a\nb\xff\""), "string \"\\\"a\\x0ab\\xff\\\"\" unit 0");
-  EXPECT_EQ(value_line("\"a\0b\""s), "string \"\\\"a\" unit 0");
+  EXPECT_EQ(value_line("\"a\0b\""s), "string \"\\\"a b\\\"\" unit 0");
   EXPECT_EQ(value_line("{1, 2}"), "list unit 0\nnumber 0 1 unit 0\nnumber 0 2 unit 0\nend");
   EXPECT_EQ(value_line("{{1,2},a,{true,3K}}"),
             "list unit 0\nlist unit 0\nnumber 0 1 unit 0\nnumber 0 2 unit 0\nend\n"

@@ -1,0 +1,68 @@
+// A table of rules with an index by reference, made while it is compiled.
+#ifndef SBD_DEVICE_SBD_RULE_TABLE_H
+#define SBD_DEVICE_SBD_RULE_TABLE_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// ROW has a member `reference`. Of several rows for one reference the first counts.
+template <class ROW, std::size_t COUNT>
+class SBD_RULE_TABLE {
+ public:
+  explicit constexpr SBD_RULE_TABLE(const ROW (&rows)[COUNT]) : m_rows(rows) {
+    for (std::size_t row = 0; row != COUNT; ++row) {
+      const std::string_view reference = rows[row].reference;
+      m_sizes[row] = reference.size();
+      std::size_t slot = hash_of(reference) % k_slots;
+      while (m_slots[slot] != 0) slot = (slot + 1) % k_slots;
+      m_slots[slot] = static_cast<std::uint8_t>(row + 1);
+    }
+  }
+
+  // The row of exactly that reference; null if there is none.
+  constexpr const ROW* find(std::string_view reference) const {
+    if (COUNT <= k_few) return find_among_few(reference);
+    std::size_t slot = hash_of(reference) % k_slots;
+    for (; m_slots[slot] != 0; slot = (slot + 1) % k_slots) {
+      const std::size_t row = m_slots[slot] - std::size_t{1};
+      if (is_row_of(row, reference)) return &m_rows[row];
+    }
+    return nullptr;
+  }
+
+ private:
+  static constexpr std::size_t k_few = 4;  // So many are simply looked through.
+  static constexpr std::size_t k_slots = 512;
+  static_assert(COUNT < 256, "row numbers have one byte, and most slots stay empty");
+
+  // No step waits for the one before.
+  static constexpr std::size_t hash_of(std::string_view reference) {
+    constexpr std::uint32_t k_multiplier = 0x9E3779B1U;
+    constexpr std::uint32_t k_upper_bits = 20;
+    std::uint32_t hash = 0;
+    for (std::uint32_t i = 0; i != reference.size(); ++i) {
+      hash += static_cast<unsigned char>(reference[i]) * (2 * i + 1) * k_multiplier;
+    }
+    return hash >> k_upper_bits;
+  }
+
+  constexpr bool is_row_of(std::size_t row, std::string_view reference) const {
+    return m_sizes[row] == reference.size() &&
+           reference == std::string_view(m_rows[row].reference, m_sizes[row]);
+  }
+
+  constexpr const ROW* find_among_few(std::string_view reference) const {
+    for (std::size_t row = 0; row != COUNT; ++row) {
+      if (is_row_of(row, reference)) return &m_rows[row];
+    }
+    return nullptr;
+  }
+
+  const ROW* m_rows;
+  std::array<std::size_t, COUNT> m_sizes{};  // Of the references.
+  std::array<std::uint8_t, k_slots> m_slots{};
+};
+
+#endif

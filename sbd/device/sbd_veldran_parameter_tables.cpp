@@ -1,0 +1,196 @@
+// The parameters of the family, one table for each type of value.
+#include "sbd/device/sbd_veldran_keyword_texts.h"
+#include "sbd/sbd_veldran_parameter_reader.h"
+
+using namespace SBD_KEYWORD;  // Nearly every word below is a keyword.
+
+namespace {
+
+// Chips that a row applies to.
+constexpr unsigned long k_qmxa1 = 1;
+constexpr unsigned long k_qmxa4 = 2;
+constexpr unsigned long k_qmxa10 = 4;
+constexpr unsigned long k_every_chip = k_qmxa1 | k_qmxa4 | k_qmxa10;
+
+constexpr unsigned long k_optional = SBD_VELDRAN_PARAMETER_READER::RQ_OPTIONAL;
+constexpr unsigned long k_always = SBD_VELDRAN_PARAMETER_READER::RQ_ALWAYS;
+constexpr unsigned long k_by_rule = SBD_VELDRAN_PARAMETER_READER::RQ_BY_RULE;
+
+}  // namespace
+
+// Columns: block, parameter, chips, has defaults, value is checked, requirement, default in a block
+// that is there, default when the block is absent. The last row of each table marks its end.
+
+const SBD_VELDRAN_PARAMETER_READER::BOOL_ROW
+    SBD_VELDRAN_PARAMETER_READER::sbd_veldran_bool_parameters[k_bool_rows + 1] = {
+        {nullptr, BOOT_FROM_FLASH, k_every_chip, true, false, k_optional, true, true},
+        {nullptr, HOLD_PROCESSOR, k_every_chip, true, false, k_optional, false, false},
+        {CLOCKS, PLL_AHB_BYPASS, k_every_chip, true, false, k_optional, false, false},
+        {CLOCKS, PLL_SDRAM_BYPASS, k_every_chip, true, false, k_optional, false, false},
+        {EBI, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {EBI, TIMEOUT_ENABLE, k_every_chip, true, false, k_optional, true, false},
+        {EBI, EXTERNAL_CLOCK_ENABLE, k_every_chip, true, false, k_optional, false, false},
+        {EBI, SPLIT_READ, k_every_chip, true, false, k_optional, true, true},
+        {DPRAM, COMBINED_MODE, k_qmxa4 | k_qmxa10, true, false, k_optional, false, false},
+        {DPRAM, COMBINED_MODE, k_qmxa1, true, true, k_optional, false, false},
+        {DPRAM, COMBINED_OUTPUTS_REGISTERED, k_every_chip, true, false, k_optional, true, true},
+        {DPRAM, OUTPUTS_REGISTERED_0, k_every_chip, true, false, k_optional, true, true},
+        {DPRAM, OUTPUTS_REGISTERED_1, k_every_chip, true, false, k_optional, true, true},
+        {UART, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {TRACE, ENABLED, k_qmxa4 | k_qmxa10, true, false, k_optional, true, false},
+        {TRACE, ENABLED, k_qmxa1, true, true, k_optional, false, false},
+        {SDRAM, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {PLD, USE_GPIO_PORT, k_qmxa1 | k_qmxa4, true, false, k_optional, false, false},
+        {PLD, USE_GPIO_PORT, k_qmxa10, true, true, k_optional, false, false},
+        {PLD, USE_PLD_TO_STRIPE_INTERRUPTS, k_every_chip, true, false, k_optional, false, false},
+        {REGISTERS, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {REGISTERS, PREFETCH, k_every_chip, true, false, k_optional, false, false},
+        {SRAM_0, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {SRAM_0, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {SRAM_1, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {SRAM_1, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {PLD_0, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {PLD_0, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {PLD_1, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {PLD_1, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {PLD_2, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {PLD_2, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {PLD_3, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {PLD_3, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_0, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {EBI_REGION_0, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_0, SYNCHRONOUS, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_0, BYTE_ENABLE, k_every_chip, true, false, k_optional, false, false},
+        {EBI_REGION_1, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {EBI_REGION_1, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_1, SYNCHRONOUS, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_1, BYTE_ENABLE, k_every_chip, true, false, k_optional, false, false},
+        {EBI_REGION_2, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {EBI_REGION_2, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_2, SYNCHRONOUS, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_2, BYTE_ENABLE, k_every_chip, true, false, k_optional, false, false},
+        {EBI_REGION_3, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {EBI_REGION_3, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_3, SYNCHRONOUS, k_every_chip, true, false, k_optional, true, false},
+        {EBI_REGION_3, BYTE_ENABLE, k_every_chip, true, false, k_optional, false, false},
+        {SDRAM_REGION_0, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {SDRAM_REGION_0, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {SDRAM_REGION_1, ENABLED, k_every_chip, true, true, k_optional, true, false},
+        {SDRAM_REGION_1, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {DPRAM_REGION_0, ENABLED, k_every_chip, true, false, k_optional, true, false},
+        {DPRAM_REGION_0, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {DPRAM_REGION_1, ENABLED, k_qmxa4 | k_qmxa10, true, false, k_optional, true, false},
+        {DPRAM_REGION_1, ENABLED, k_qmxa1, true, true, k_optional, false, false},
+        {DPRAM_REGION_1, PREFETCH, k_every_chip, true, false, k_optional, true, false},
+        {nullptr, nullptr, 0, false, false, 0, false, false},
+};
+
+const SBD_VELDRAN_PARAMETER_READER::DWORD_ROW
+    SBD_VELDRAN_PARAMETER_READER::sbd_veldran_dword_parameters[k_dword_rows + 1] = {
+        {nullptr, PROGRAMMING_CLOCK_FREQUENCY, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, INPUT_CLOCK_FREQUENCY, k_every_chip, false, true, k_always, 0, 0},
+        {CLOCKS, PLL_AHB_M, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, PLL_AHB_N, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, PLL_AHB_K, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, PLL_SDRAM_M, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, PLL_SDRAM_N, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, PLL_SDRAM_K, k_every_chip, false, true, k_by_rule, 0, 0},
+        {CLOCKS, AHB1_DIVIDE, k_every_chip, true, true, k_optional, 2, 2},
+        {CLOCKS, AHB2_DIVIDE, k_every_chip, true, true, k_optional, 4, 4},
+        {EBI, CLOCK_DIVIDE, k_every_chip, true, true, k_optional, 16, 16},
+        {EBI, TIMEOUT_CLOCK_CYCLES, k_every_chip, true, true, k_optional, 255, 255},
+        {SDRAM, DATA_WIDTH, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM, BURST_LENGTH, k_every_chip, true, true, k_optional, 8, 8},
+        {SDRAM, ROW_ADDRESS_BITS, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM, COLUMN_ADDRESS_BITS, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM, BANK_ADDRESS_BITS, k_every_chip, true, true, k_optional, 2, 2},
+        {DPRAM, COMBINED_DATA_WIDTH, k_every_chip, true, true, k_optional, 32, 32},
+        {DPRAM, COMBINED_ADDRESS_RANGE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM, DATA_WIDTH_0, k_every_chip, true, true, k_optional, 32, 32},
+        {DPRAM, DATA_WIDTH_1, k_every_chip, true, true, k_optional, 32, 32},
+        {DPRAM, ADDRESS_RANGE_0, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM, ADDRESS_RANGE_1, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM, LOCK_GRANT_ADDRESS_BASE_0, k_every_chip, true, true, k_optional, 0, 0},
+        {DPRAM, LOCK_GRANT_ADDRESS_BASE_1, k_every_chip, true, true, k_optional, 0, 0},
+        {PLD, GPIO_PORT_WIDTH, k_every_chip, true, true, k_optional, 4, 0},
+        {REGISTERS, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {REGISTERS, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SRAM_0, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SRAM_0, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SRAM_1, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SRAM_1, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_0, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_0, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_1, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_1, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_2, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_2, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_3, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {PLD_3, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_0, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_0, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_0, WAIT_CYCLES, k_every_chip, true, true, k_optional, 0, 0},
+        {EBI_REGION_0, DATA_WIDTH, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_1, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_1, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_1, WAIT_CYCLES, k_every_chip, true, true, k_optional, 0, 0},
+        {EBI_REGION_1, DATA_WIDTH, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_2, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_2, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_2, WAIT_CYCLES, k_every_chip, true, true, k_optional, 0, 0},
+        {EBI_REGION_2, DATA_WIDTH, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_3, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_3, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {EBI_REGION_3, WAIT_CYCLES, k_every_chip, true, true, k_optional, 0, 0},
+        {EBI_REGION_3, DATA_WIDTH, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM_REGION_0, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM_REGION_0, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM_REGION_1, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {SDRAM_REGION_1, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM_REGION_0, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM_REGION_0, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM_REGION_1, ADDRESS_BASE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {DPRAM_REGION_1, ADDRESS_SIZE, k_every_chip, false, true, k_by_rule, 0, 0},
+        {nullptr, nullptr, 0, false, false, 0, 0, 0},
+};
+
+const SBD_VELDRAN_PARAMETER_READER::DOUBLE_ROW
+    SBD_VELDRAN_PARAMETER_READER::sbd_veldran_double_parameters[k_double_rows + 1] = {
+        {SDRAM, ACTIVE_TO_READ_OR_WRITE_DELAY, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, ACTIVE_TO_PRECHARGE_COMMAND, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, ACTIVE_BANKA_TO_BANKB_COMMAND, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, PRECHARGE_COMMAND_PERIOD, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, WRITE_RECOVERY_TIME, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, ACTIVE_TO_ACTIVE_COMMAND_PERIOD, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, REFRESH_PERIOD, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, ACTIVE_TO_READ_OR_WRITE_DELAY, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, AUTO_REFRESH_COMMAND_PERIOD, k_every_chip, false, false, k_by_rule, 0.0, 0.0},
+        {SDRAM, CAS_LATENCY, k_every_chip, false, true, k_by_rule, 0.0, 0.0},
+        {nullptr, nullptr, 0, false, false, 0, 0.0, 0.0},
+};
+
+const SBD_VELDRAN_PARAMETER_READER::STRING_ROW
+    SBD_VELDRAN_PARAMETER_READER::sbd_veldran_string_parameters[k_string_rows + 1] = {
+        {nullptr, ENDIAN, k_every_chip, true, true, k_optional, LITTLE, nullptr},
+        {nullptr, CONFIGURATION_DEVICE, k_every_chip, true, true, k_optional, KVP2, nullptr},
+        {EBI, INPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {EBI, OUTPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {EBI, BYTE_ENABLE_POLARITY, k_every_chip, true, true, k_optional, LOW, nullptr},
+        {EBI, OUTPUT_ENABLE_POLARITY, k_every_chip, true, true, k_optional, LOW, nullptr},
+        {EBI, WRITE_ENABLE_POLARITY, k_every_chip, true, true, k_optional, LOW, nullptr},
+        {SDRAM, INPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {SDRAM, OUTPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {SDRAM, TYPE, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {DPRAM, MODE_0, k_every_chip, true, true, k_optional, NO_PORTS, nullptr},
+        {DPRAM, MODE_1, k_every_chip, true, true, k_optional, NO_PORTS, nullptr},
+        {UART, INPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {UART, OUTPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {TRACE, OUTPUT_PIN_STANDARD, k_every_chip, false, true, k_by_rule, nullptr, nullptr},
+        {PLD, PLD_TO_STRIPE_INTERRUPT_MODE, k_every_chip, true, true, k_optional,
+         SIX_INDIVIDUAL_REQUESTS, SIX_INDIVIDUAL_REQUESTS},
+        {EBI_REGION_0, CHIP_SELECT_POLARITY, k_every_chip, true, true, k_optional, LOW, LOW},
+        {EBI_REGION_1, CHIP_SELECT_POLARITY, k_every_chip, true, true, k_optional, LOW, LOW},
+        {EBI_REGION_2, CHIP_SELECT_POLARITY, k_every_chip, true, true, k_optional, LOW, LOW},
+        {EBI_REGION_3, CHIP_SELECT_POLARITY, k_every_chip, true, true, k_optional, LOW, LOW},
+        {nullptr, nullptr, 0, false, false, 0, nullptr, nullptr},
+};

@@ -1,0 +1,179 @@
+#include "sbd/parameter/sbd_parameter_store.h"
+
+#include <cstring>
+
+#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_hash.h"
+
+namespace {
+
+using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+
+SBD_STRING make_key_prefix(const SBD_STRING& module_name) {
+  SBD_STRING prefix = module_name;
+  sbd_lower(prefix);
+  prefix += '.';
+  return prefix;
+}
+
+// `lower` is in lower case; most callers write their names so too.
+bool is_same_reference(std::string_view lower, std::string_view reference) {
+  if (lower.size() != reference.size()) return false;
+  if (std::memcmp(lower.data(), reference.data(), lower.size()) == 0) return true;
+  for (std::size_t i = 0; i != lower.size(); ++i) {
+    if (lower[i] != sbd_to_lower(reference[i])) return false;
+  }
+  return true;
+}
+
+const SBD_NODE* if_block(const SBD_NODE* node) {
+  return node != nullptr && node->type == SBD_NODE::NT_BLOCK ? node : nullptr;
+}
+
+const SBD_NODE* if_statement(const SBD_NODE* node) {
+  const bool is_statement =
+      node != nullptr && node->type == SBD_NODE::NT_STATEMENT && node->statement != nullptr;
+  return is_statement ? node : nullptr;
+}
+
+}  // namespace
+
+// ---- The document --------------------------------------------------------------------------
+
+void SBD_MODULE_LOOKUP::begin_walk() {
+  // No object has an empty name; asking for one would be reported.
+  const SBD_STRING module_name(m_prefix, 0, m_prefix.size() - 1);
+  const bool has_name = !module_name.empty();
+  m_module = has_name ? m_parser.get_ref_object(module_name.c_str(), nullptr) : nullptr;
+  m_last_block_name = nullptr;
+  m_last_block = nullptr;
+  m_is_walking = true;
+}
+
+const SBD_NODE* SBD_MODULE_LOOKUP::find(const SBD_NODE* scope, const char* name) const {
+  if (m_is_walking) return scope != nullptr ? m_parser.get_ref_object(name, scope) : nullptr;
+  const SBD_STRING full_name = m_prefix + name;
+  return m_parser.get_ref_object(full_name.c_str(), nullptr);
+}
+
+const SBD_NODE* SBD_MODULE_LOOKUP::find_block(const char* block_name) {
+  if (!m_is_walking) return if_block(find(nullptr, block_name));
+  // The tables take each block's name from one place, and list its parameters in a row.
+  if (block_name != m_last_block_name) {
+    m_last_block = if_block(find(m_module, block_name));
+    m_last_block_name = block_name;
+  }
+  return m_last_block;
+}
+
+const SBD_NODE* SBD_MODULE_LOOKUP::find_statement(const char* block_name,
+                                                  const char* parameter_name) {
+  if (block_name == nullptr) return if_statement(find(m_module, parameter_name));
+  if (m_is_walking) return if_statement(find(find_block(block_name), parameter_name));
+  const SBD_JOINED_NAME reference(block_name, parameter_name);
+  return if_statement(find(nullptr, reference.c_str()));
+}
+
+// ---- Memory ----------------------------------------------------------------------------------
+
+void* sbd_take_parameter_memory(SBD_POOL* pool, std::size_t size) {
+  return pool != nullptr ? pool->take(size) : SBD_RECORD::operator new(size);
+}
+
+void sbd_give_parameter_memory(SBD_POOL* pool, void* memory) noexcept {
+  if (pool == nullptr) SBD_RECORD::operator delete(memory);
+}
+
+// ---- The index -----------------------------------------------------------------------------
+
+SBD_PARAMETER_STORE::SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser,
+                                         const SBD_STRING& module_name)
+    : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix) {}
+
+// The same in every run, since prepared names keep it.
+std::uint32_t SBD_PARAMETER_STORE::hash_of(std::string_view reference) {
+  std::uint64_t hash = reference.size();
+  const char* next = reference.data();
+  std::size_t left = reference.size();
+  for (; left >= 8; left -= 8, next += 8) hash = sbd_hash_mix(hash, sbd_load<std::uint64_t>(next));
+  if (left != 0) hash = sbd_hash_mix(hash, sbd_load_rest(next, left));
+  return static_cast<std::uint32_t>(hash >> 32);
+}
+
+void SBD_PARAMETER_STORE::expect(const SBD_PREPARED_NAME& name) {
+  const std::size_t next =
+      m_expected != nullptr ? static_cast<std::size_t>(m_expected - m_records.data()) + 1 : 0;
+  m_expected = nullptr;
+  const bool is_next = next < m_records.size() && m_records[next].reference == name.reference;
+  m_expected = is_next ? &m_records[next] : find(name.reference, name.hash);
+}
+
+const SBD_PARAMETER_STORE::RECORD* SBD_PARAMETER_STORE::find(std::string_view reference) const {
+  if (m_expected != nullptr && is_same_reference(m_expected->reference, reference)) {
+    return m_expected;
+  }
+  return find(reference, hash_of(reference));
+}
+
+const SBD_PARAMETER_STORE::RECORD* SBD_PARAMETER_STORE::find(std::string_view reference,
+                                                             std::uint32_t hash) const {
+  if (m_slots.empty()) return nullptr;
+  const std::size_t mask = m_slots.size() - 1;
+  for (std::size_t slot = hash & mask; m_slots[slot] != 0; slot = (slot + 1) & mask) {
+    const RECORD& record = m_records[m_slots[slot] - 1];
+    if (record.hash == hash && is_same_reference(record.reference, reference)) return &record;
+  }
+  return nullptr;
+}
+
+void SBD_PARAMETER_STORE::make_room() {
+  constexpr std::size_t k_first_slots = 512;  // Enough for every parameter of a chip.
+  constexpr std::size_t k_first_records = 160;
+  if (m_records.size() == m_records.capacity()) {
+    m_records.reserve(m_records.size() * 2 + k_first_records);
+  }
+  if (m_slots.empty()) {
+    constexpr std::size_t k_usual_node = 208;  // With its key.
+    pool.reserve(k_first_records * k_usual_node);
+    rebuild(k_first_slots);
+  }
+  if ((m_records.size() + 1) * 2 > m_slots.size()) rebuild(m_slots.size() * 2);
+}
+
+void SBD_PARAMETER_STORE::rebuild(std::size_t slot_count) {
+  SBD_VECTOR<std::uint32_t>(slot_count, 0).swap(m_slots);
+  for (std::uint32_t number = 0; number != m_records.size(); ++number) enter(number);
+}
+
+void SBD_PARAMETER_STORE::enter(std::uint32_t number) noexcept {
+  const std::size_t mask = m_slots.size() - 1;
+  std::size_t slot = m_records[number].hash & mask;
+  while (m_slots[slot] != 0) slot = (slot + 1) & mask;
+  m_slots[slot] = number + 1;
+}
+
+void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
+  m_expected = nullptr;  // Records may have moved.
+  m_records.push_back(record);
+  enter(static_cast<std::uint32_t>(m_records.size() - 1));
+}
+
+// ---- The walk ----------------------------------------------------------------------------------
+
+SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
+    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count, m_end) {
+  m_store.has_failed = false;
+  m_store.walk = this;
+  m_store.lookup.begin_walk();
+}
+
+SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {
+  m_store.lookup.end_walk();
+  m_store.walk = nullptr;
+}
+
+SBD_PARAMETER_WALK::PLACE SBD_PARAMETER_WALK::place() const {
+  std::size_t rank = m_name->rank + std::size_t{1};
+  while (rank < m_places.size() && m_places[rank] == m_end) ++rank;
+  return rank < m_places.size() ? m_places[rank] : m_end;
+}

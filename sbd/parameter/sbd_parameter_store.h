@@ -1,0 +1,147 @@
+// What a reader keeps besides its table: an index by reference, origins, faults, and the blocks it
+// is reading from.
+#ifndef SBD_PARAMETER_SBD_PARAMETER_STORE_H
+#define SBD_PARAMETER_SBD_PARAMETER_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "sbd/reading/sbd_pool.h"
+#include "sbd/sbd_parameter_reader.h"
+
+// Finds the parts of one module in the document. While a walk is under way the document doesn't
+// change, and neither the module nor the block used last is looked up again.
+class SBD_MODULE_LOOKUP {
+ public:
+  using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+
+  // Of the module's name there is a copy with a point behind it.
+  SBD_MODULE_LOOKUP(const SBD_FILE_PARSER& parser, const SBD_STRING& prefix)
+      : m_parser(parser), m_prefix(prefix) {}
+
+  // Begins a walk; the block names given until its end must live as long as it.
+  void begin_walk();
+  void end_walk() { m_is_walking = false; }
+
+  // The node of a block below the module; null when there is none.
+  const SBD_NODE* find_block(const char* block_name);
+  // The statement node of a parameter whose block (null: the module) is there; else null.
+  const SBD_NODE* find_statement(const char* block_name, const char* parameter_name);
+
+ private:
+  const SBD_NODE* find(const SBD_NODE* scope, const char* name) const;
+
+  const SBD_FILE_PARSER& m_parser;
+  const SBD_STRING& m_prefix;
+  bool m_is_walking = false;
+  const SBD_NODE* m_module = nullptr;
+  const char* m_last_block_name = nullptr;
+  const SBD_NODE* m_last_block = nullptr;
+};
+
+// The reference of a parameter with what follows from it.
+struct SBD_PREPARED_NAME {
+  std::string_view reference;  // In lower case.
+  std::uint32_t hash = 0;      // Of SBD_PARAMETER_STORE::hash_of.
+  std::uint32_t rank = 0;      // Its place among all prepared names in byte-wise order.
+};
+
+class SBD_PARAMETER_WALK;
+
+class SBD_PARAMETER_STORE {
+ public:
+  using SBD_PARAMETER_VALUE = SBD_PARAMETER_READER::SBD_PARAMETER_VALUE;
+
+  struct RECORD {
+    std::string_view reference;  // The part of the record's key behind the module's name.
+    SBD_PARAMETER_VALUE* value;
+    SBD_PARAMETER_ORIGIN origin;
+    std::uint32_t hash;
+  };
+
+  SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser, const SBD_STRING& module_name);
+  SBD_PARAMETER_STORE(const SBD_PARAMETER_STORE&) = delete;
+  SBD_PARAMETER_STORE& operator=(const SBD_PARAMETER_STORE&) = delete;
+
+  static void* operator new(std::size_t size) { return SBD_RECORD::operator new(size); }
+  static void operator delete(void* store) noexcept { SBD_RECORD::operator delete(store); }
+
+  static std::uint32_t hash_of(std::string_view reference);
+
+  // The record of a reference in any letter case; null if there is none.
+  const RECORD* find(std::string_view reference) const;
+  const RECORD* find(std::string_view reference, std::uint32_t hash) const;
+
+  // Expects the next questions to be about one parameter. Those are asked for in the order in which
+  // they were read, so that each record lies behind the one before.
+  void expect(const SBD_PREPARED_NAME& name);
+  void expect_nothing() { m_expected = nullptr; }
+
+  // Makes sure that `add` finds room.
+  void make_room();
+  // Enters a record that is not there yet.
+  void add(const RECORD& record) noexcept;
+
+  SBD_POOL pool;                // Where the table's nodes lie.
+  const SBD_STRING key_prefix;  // What every key begins with: the module's name and a point.
+  SBD_MODULE_LOOKUP lookup;
+  SBD_VECTOR<SBD_PARAMETER_FAULT> faults;
+  SBD_PARAMETER_WALK* walk = nullptr;  // What is under way.
+  bool has_failed = false;             // The host refused memory while something was read.
+
+ private:
+  void enter(std::uint32_t number) noexcept;
+  void rebuild(std::size_t slot_count);
+
+  SBD_VECTOR<RECORD> m_records;
+  const RECORD* m_expected = nullptr;
+  SBD_VECTOR<std::uint32_t> m_slots;  // 1 + number of a record, or 0. A power of two of them.
+};
+
+// While it exists, its reader reads prepared names from a document that doesn't change, one after
+// the other.
+class SBD_PARAMETER_WALK {
+ public:
+  using PLACE = SBD_PARAMETER_READER::SBD_PARAMETER_MAP::iterator;
+
+  SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count);
+  ~SBD_PARAMETER_WALK();
+  SBD_PARAMETER_WALK(const SBD_PARAMETER_WALK&) = delete;
+  SBD_PARAMETER_WALK& operator=(const SBD_PARAMETER_WALK&) = delete;
+
+  // Goes on to the parameter that is read next; the name must live as long as the walk.
+  void move_to(const SBD_PREPARED_NAME& name) { m_name = &name; }
+  const SBD_PREPARED_NAME& name() const { return *m_name; }
+
+  // In front of what its record belongs, as far as this walk has read.
+  PLACE place() const;
+  // Notes where its record is.
+  void set_place(PLACE place) { m_places[m_name->rank] = place; }
+
+  // True when everything that was to be read could be kept.
+  bool is_good() const { return !m_store.has_failed; }
+
+ private:
+  SBD_PARAMETER_STORE& m_store;
+  const SBD_PREPARED_NAME* m_name = nullptr;
+  const PLACE m_end;
+  SBD_VECTOR<PLACE> m_places;  // By rank; the end where nothing was read yet.
+};
+
+// While it exists, its reader looks at one parameter after the other.
+class SBD_PARAMETER_REVIEW {
+ public:
+  explicit SBD_PARAMETER_REVIEW(SBD_PARAMETER_READER& reader) : m_store(reader.store()) {}
+  ~SBD_PARAMETER_REVIEW() { m_store.expect_nothing(); }
+  SBD_PARAMETER_REVIEW(const SBD_PARAMETER_REVIEW&) = delete;
+  SBD_PARAMETER_REVIEW& operator=(const SBD_PARAMETER_REVIEW&) = delete;
+
+  // Goes on to a parameter.
+  void move_to(const SBD_PREPARED_NAME& name) { m_store.expect(name); }
+
+ private:
+  SBD_PARAMETER_STORE& m_store;
+};
+
+#endif
