@@ -195,12 +195,7 @@ class NODE_WRITER {
 
   void write_range(std::string_view key, const SOURCE_RANGE& range) {
     m_json.key(key);
-    m_json.begin_object(LAYOUT::ONE_LINE);
-    write_count("line", range.line);
-    write_count("column", range.column);
-    write_count("offset", range.offset);
-    write_count("length", range.length);
-    m_json.end();
+    write_place(m_json, range);
   }
 
   void write_text(std::string_view key, std::string_view text) {
@@ -208,16 +203,25 @@ class NODE_WRITER {
     m_json.text(text);
   }
 
-  void write_count(std::string_view key, std::size_t count) {
-    m_json.key(key);
-    m_json.count(count);
-  }
-
   JSON_WRITER& m_json;
   const SBD_FILE_PARSER& m_document;
 };
 
+void write_count(JSON_WRITER& json, std::string_view key, std::size_t count) {
+  json.key(key);
+  json.count(count);
+}
+
 }  // namespace
+
+void write_place(JSON_WRITER& json, const SBD_FILE_PARSER::SBD_SOURCE_RANGE& place) {
+  json.begin_object(LAYOUT::ONE_LINE);
+  write_count(json, "line", place.line);
+  write_count(json, "column", place.column);
+  write_count(json, "offset", place.offset);
+  write_count(json, "length", place.length);
+  json.end();
+}
 
 std::string_view kind_of(const NODE& node) {
   switch (node.type) {

@@ -20,6 +20,9 @@ std::string_view kind_of(const NODE& node);
 // in it.
 void write_nodes(JSON_WRITER& json, const SBD_FILE_PARSER& document, TREE_WALK walk);
 
+// A place in a file, as an object.
+void write_place(JSON_WRITER& json, const SBD_FILE_PARSER::SBD_SOURCE_RANGE& place);
+
 // Just what a value says: a number (scaled by its unit), a Boolean, a text, or an array of these.
 void write_plain_value(JSON_WRITER& json, const VALUE& value);
 

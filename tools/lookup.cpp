@@ -12,7 +12,27 @@ namespace {
 // Names may be of any length, too.
 constexpr std::size_t k_widest_name = 200;
 
-std::string quote(std::string_view name) {
+void complain_of_missing(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,
+                         WANTED wanted) {
+  const std::string suggestion = suggest_names(descriptor.document, name, wanted);
+  session.complain(
+      fmt::format("no {} {} in {}{}{}", description_of(wanted), quote_name(name),
+                  make_visible(descriptor.name), suggestion.empty() ? "" : "; ", suggestion),
+      EXIT_FAULTS);
+}
+
+void complain_of_unwanted(SESSION& session, const DESCRIPTOR& descriptor, const NODE& node,
+                          WANTED wanted) {
+  const std::string_view found = node.type == NODE::NT_BLOCK ? "block" : "parameter";
+  session.complain(
+      fmt::format("{} in {} is a {}, not a {}", quote_name(full_name(descriptor.document, node)),
+                  make_visible(descriptor.name), found, description_of(wanted)),
+      EXIT_FAULTS);
+}
+
+}  // namespace
+
+std::string quote_name(std::string_view name) {
   return fmt::format("'{}'", make_visible(name, k_widest_name));
 }
 
@@ -28,31 +48,13 @@ std::string_view description_of(WANTED wanted) {
   return "block or parameter";
 }
 
-std::string suggest(const DESCRIPTOR& descriptor, const std::string& name, WANTED wanted) {
+std::string suggest_names(const SBD_FILE_PARSER& document, const std::string& name, WANTED wanted) {
   std::string text;
-  for (const std::string& near_name : find_near_names(descriptor.document, name, wanted)) {
-    text += (text.empty() ? "; did you mean " : " or ") + quote(near_name);
+  for (const std::string& near_name : find_near_names(document, name, wanted)) {
+    text += (text.empty() ? "did you mean " : " or ") + quote_name(near_name);
   }
   return text.empty() ? text : text + "?";
 }
-
-void complain_of_missing(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,
-                         WANTED wanted) {
-  session.complain(fmt::format("no {} {} in {}{}", description_of(wanted), quote(name),
-                               make_visible(descriptor.name), suggest(descriptor, name, wanted)),
-                   EXIT_FAULTS);
-}
-
-void complain_of_unwanted(SESSION& session, const DESCRIPTOR& descriptor, const NODE& node,
-                          WANTED wanted) {
-  const std::string_view found = node.type == NODE::NT_BLOCK ? "block" : "parameter";
-  session.complain(
-      fmt::format("{} in {} is a {}, not a {}", quote(full_name(descriptor.document, node)),
-                  make_visible(descriptor.name), found, description_of(wanted)),
-      EXIT_FAULTS);
-}
-
-}  // namespace
 
 const NODE* find_wanted(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,
                         WANTED wanted) {

@@ -3,12 +3,22 @@
 #define TOOLS_LOOKUP_H
 
 #include <string>
+#include <string_view>
 
 #include "tools/descriptor.h"
 #include "tools/names.h"
 #include "tools/session.h"
 
 namespace sbd_tool {
+
+// A name as it is quoted in messages: fit for a terminal, not too long.
+std::string quote_name(std::string_view name);
+
+// "block", "parameter", or both.
+std::string_view description_of(WANTED wanted);
+
+// "did you mean 'a' or 'b'?"; empty when nothing looks like the name.
+std::string suggest_names(const SBD_FILE_PARSER& document, const std::string& name, WANTED wanted);
 
 // The node named `name`. When there is none, or one that is not wanted, says so on standard error,
 // with names that may have been meant, sets the exit code and returns null.

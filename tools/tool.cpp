@@ -24,14 +24,17 @@ namespace sbd_tool {
 namespace {
 
 constexpr char k_footer[] =
-    "Exit codes: 0 fine; 1 the file has faults, or has not what was asked for; 2 wrong use, an\n"
-    "unreadable file, or output that can't be written.\n"
+    "Exit codes: 0 fine; 1 the file has faults, has not what was asked for, or can't be edited "
+    "so;\n"
+    "2 wrong use, an unreadable file, or output that can't be written.\n"
     "\n"
     "Examples:\n"
     "  sbd check board.sbd\n"
     "  sbd show board.sbd stripe\n"
     "  sbd get board.sbd stripe.pll1.clock\n"
     "  sbd list --type module board.sbd\n"
+    "  sbd set board.sbd stripe.pll1.clock 50MHz\n"
+    "  sbd fmt --check boards/*.sbd\n"
     "  sbd COMMAND --help";
 
 // A command with what the command line knows of it.
@@ -52,6 +55,14 @@ class TOOL {
     declare(make_show_command());
     declare(make_get_command());
     declare(make_list_command());
+    declare(make_set_command());
+    declare(make_unset_command());
+    declare(make_ref_command());
+    declare(make_attr_command());
+    declare(make_block_command());
+    declare(make_rename_command());
+    declare(make_edit_command());
+    declare(make_fmt_command());
   }
 
   void run(int argument_count, const char* const* arguments) {
@@ -95,7 +106,7 @@ class TOOL {
   }
 
   SESSION& m_session;
-  CLI::App m_app{"Checks, shows and queries System Build Descriptor files.", "sbd"};
+  CLI::App m_app{"Checks, shows, queries and edits System Build Descriptor files.", "sbd"};
   std::vector<DECLARED_COMMAND> m_commands;
 };
 

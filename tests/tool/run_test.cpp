@@ -271,4 +271,58 @@ TEST_F(TOOL_DEPTH, Lists) {
             fmt::format("{}\n", k_list_depth));
 }
 
+// ---- Editing -----------------------------------------------------------------------------------
+
+class TOOL_EDITS : public TOOL {};
+
+// A folder in which no file can be made. The superuser can everywhere, and so becomes nobody.
+TEST_F(TOOL_EDITS, ReadOnlyFolderIsLeftAlone) {
+  write("a.sbd", k_small);
+  constexpr char k_script[] =
+      "run=; if [ \"$(id -u)\" = 0 ]; then\n"
+      "  run='setpriv --reuid 65534 --regid 65534 --clear-groups'\n"
+      "  $run sbd --version >/dev/null 2>&1 || { echo unable; exit; }\n"
+      "fi\n"
+      "chmod 644 a.sbd; chmod 555 .\n"
+      "$run sbd set a.sbd board.size 1K; echo $?; cat a.sbd; ls; chmod 755 .";
+  const TOOL_RUN edited = run(k_script);
+  if (edited.out == "unable\n") GTEST_SKIP() << "nobody can't run the tool here";
+  EXPECT_EQ(edited.out, fmt::format("2\n{}a.sbd\n", k_small));
+  EXPECT_NE(edited.err.find("permission denied"), std::string::npos) << edited.err;
+}
+
+TEST_F(TOOL_EDITS, LargeFileIsEditedInReasonableTime) {
+  std::string members;
+  for (int i = 0; i < 200000; ++i) members += fmt::format("  parameter_{} = {};\n", i, i);
+  write("large.sbd", "device board {\n" + members + "}\n");
+  std::string script;
+  for (int i = 0; i < 1000; ++i)
+    script += fmt::format("set board.parameter_{} 0x{:x}K\n", i * 7, i);
+  write("edits", script);
+  EXPECT_EQ(run("sbd edit large.sbd --script edits").exit_code, 0);
+  EXPECT_EQ(run("sbd get --as raw large.sbd board.parameter_6993").out, "0x3e7K\n");
+  EXPECT_GT(count_lines(run("sbd fmt --diff large.sbd").out), 400000U);
+  EXPECT_EQ(run("sbd fmt large.sbd && sbd fmt --check large.sbd").exit_code, 0);
+}
+
+TEST_F(TOOL_EDITS, PatchAppliesDiffs) {
+  if (run("patch --version").exit_code != 0) GTEST_SKIP() << "patch is not installed";
+  write("a b.sbd", k_small);
+  EXPECT_EQ(run("sbd set -n 'a b.sbd' board.size 1K board.new 2 | patch -s -p1").exit_code, 0);
+  EXPECT_EQ(run("cat 'a b.sbd'").out, "device board {\n  size = 1K; # all of it\n  new = 2;\n}\n");
+  EXPECT_EQ(run("sbd fmt --diff 'a b.sbd' | patch -s -p1").exit_code, 0);
+  EXPECT_EQ(run("sbd fmt --check 'a b.sbd'").exit_code, 0);
+}
+
+TEST_F(TOOL_EDITS, FullDiskIsTold) {
+  write("a.sbd", k_small);
+  for (const char* const command :
+       {"sbd set -o - a.sbd board.size 1", "sbd set -n a.sbd board.size 1",
+        "sbd set --json -n a.sbd board.size 1", "sbd fmt --diff a.sbd", "sbd fmt - <a.sbd"}) {
+    const TOOL_RUN full = run(std::string(command) + " >/dev/full");
+    EXPECT_EQ(full.exit_code, 2) << command;
+    EXPECT_EQ(full.err, "sbd: can't write the output: No space left on device\n") << command;
+  }
+}
+
 }  // namespace

@@ -28,6 +28,14 @@ std::unique_ptr<COMMAND> make_check_command();
 std::unique_ptr<COMMAND> make_show_command();
 std::unique_ptr<COMMAND> make_get_command();
 std::unique_ptr<COMMAND> make_list_command();
+std::unique_ptr<COMMAND> make_set_command();
+std::unique_ptr<COMMAND> make_unset_command();
+std::unique_ptr<COMMAND> make_ref_command();
+std::unique_ptr<COMMAND> make_attr_command();
+std::unique_ptr<COMMAND> make_block_command();
+std::unique_ptr<COMMAND> make_rename_command();
+std::unique_ptr<COMMAND> make_edit_command();
+std::unique_ptr<COMMAND> make_fmt_command();
 
 }  // namespace sbd_tool
 
