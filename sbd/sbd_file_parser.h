@@ -34,8 +34,9 @@ class SBD_API SBD_FILE_PARSER {
   //
   // A document owns every record that the reader made or that was handed to it (add_node,
   // add_symbol), and all that hangs on it. All lists are singly linked, end with null and keep
-  // file order. A caller makes records with `new` and texts with sbd_copy_text. The link fields of
-  // records that a document owns are changed through the document's operations only.
+  // file order. A caller makes records with `new` and texts with sbd_copy_text. The link fields and
+  // texts of records that a document owns are changed through the document's operations only; a
+  // value may be replaced by hand once free_para_val has freed the old one.
   //
   // Members named m_... are the library's own bookkeeping: leave them as they are.
 

@@ -132,8 +132,9 @@ SBD_API void sbd_yyerror(FlexLexer* scanner, void* parser_para);
 //
 // The actions of the grammar's rules. Each returns a new record; records made from the reader's own
 // tokens lie in the memory of the document that is read, all others come from the host's memory
-// manager as if by `new`. Null where an argument must not be null is an internal error. A NUL byte
-// in a string or a comment becomes a blank, since texts end at their first NUL.
+// manager as if by `new`. Null where an argument must not be null is an internal error, and the
+// record then lacks that part. A NUL byte in a string or a comment becomes a blank, since texts end
+// at their first NUL.
 
 // The record of the scanner's current match.
 SBD_API SBD_FILE_PARSER::SBD_TOKEN_INFO sbd_copy_token(const sbd_yyFlexLexer& scanner);

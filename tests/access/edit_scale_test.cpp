@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(ORDERS, EDIT_SCALE,
                          testing::Values(ORDER::FRONT, ORDER::BACK, ORDER::RANDOM), order_name);
 
 TEST_P(EDIT_SCALE, ParametersOfOneBlock) {
-  const std::size_t count = scaled(100000);
+  const std::size_t count = scaled(60000);
   set_count(count);
   for (std::size_t i = 0; i < count; i++) {
     ASSERT_TRUE(m_document.set_value("d", name("p", i).c_str(), i, 10, k_no_unit));
@@ -98,7 +98,7 @@ TEST_P(EDIT_SCALE, ParametersOfOneBlock) {
 }
 
 TEST_P(EDIT_SCALE, ParametersInBlocksOfTheirOwn) {
-  const std::size_t count = scaled(50000);
+  const std::size_t count = scaled(30000);
   set_count(count);
   for (std::size_t i = 0; i < count; i++) {
     ASSERT_TRUE(m_document.create_block("bus", name("b", i).c_str(), "d"));
@@ -122,7 +122,7 @@ TEST_P(EDIT_SCALE, ParametersInBlocksOfTheirOwn) {
 }
 
 TEST_P(EDIT_SCALE, ParametersThatAreReferenced) {
-  const std::size_t count = scaled(50000);
+  const std::size_t count = scaled(30000);
   set_count(count);
   for (std::size_t i = 0; i < count; i++) {
     ASSERT_TRUE(m_document.set_value("d", name("p", i).c_str(), 1));
@@ -142,7 +142,7 @@ TEST_P(EDIT_SCALE, ParametersThatAreReferenced) {
 }
 
 TEST_P(EDIT_SCALE, DevicesOfTheTopLevel) {
-  const std::size_t count = scaled(50000);
+  const std::size_t count = scaled(30000);
   set_count(count);
   for (std::size_t i = 0; i < count; i++) {
     ASSERT_TRUE(m_document.create_block("device", name("t", i).c_str(), nullptr));
