@@ -180,6 +180,40 @@ TEST_P(TABLE_DRIVEN, EveryParameterOfTheWrongKind) {
   try_out(settings);
 }
 
+// Whatever is good for one parameter is tried in all others.
+TEST_P(TABLE_DRIVEN, OneNumberInAllParameters) {
+  std::set<unsigned long> numbers;
+  for (unsigned long number = 0; number <= 300; ++number) numbers.insert(number);
+  for (unsigned long power = 512; power <= 4294967296; power *= 2) {
+    numbers.insert({power - 1, power % 4294967296, (power + 1) % 4294967296});
+  }
+  for (unsigned long power = 1000; power <= 4294967295; power *= 10) numbers.insert(power);
+  for (const unsigned long number : numbers) {
+    SETTINGS settings = full_settings(chip());
+    for (const PARAMETER_ROW& row : rows_of(chip())) {
+      if (row.kind == KIND::DWORD) settings.set(row.reference(), whole(number));
+    }
+    if (!try_out(settings)) return;
+  }
+}
+
+TEST_P(TABLE_DRIVEN, OneKeywordInAllParameters) {
+  std::set<std::string> keywords = {"kvp1",        "kvp32",  "sstl_18", "lvttl_5v0", "none", "ddr2",
+                                    "three_ports", "medium", "on",      "a",         "_"};
+  for (const PARAMETER_ROW& row : rows_of(chip())) {
+    const VALUE_RULE* const rule = find_value_rule(row.reference(), chip());
+    if (rule) keywords.insert(rule->keywords.begin(), rule->keywords.end());
+  }
+  EXPECT_GT(keywords.size(), 30u);
+  for (const std::string& text : keywords) {
+    SETTINGS settings = full_settings(chip());
+    for (const PARAMETER_ROW& row : rows_of(chip())) {
+      if (row.kind == KIND::STRING) settings.set(row.reference(), keyword(text));
+    }
+    if (!try_out(settings)) return;
+  }
+}
+
 // ---- Requirements ------------------------------------------------------------------------------
 
 // All parameters that hang on one setting, absent, wrong or of the wrong kind at once.
