@@ -244,7 +244,7 @@ class SBD_API SBD_PARAMETER_READER {
   // Keeps a fault for get_faults.
   void add_fault(SBD_PARAMETER_FAULT&& fault);
 
-  SBD_PARAMETER_MAP m_parameters;  // By full reference name.
+  SBD_PARAMETER_MAP m_parameters;  // By full reference name; only the reading above adds to it.
   SBD_STRING m_module_name;
   const SBD_FILE_PARSER& m_parser;
   bool m_post_messages = true;
