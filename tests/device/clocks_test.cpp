@@ -2,12 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "sbd/sbd_parameter_reader.h"
 #include "sbd/sbd_veldran.h"
 #include "tests/device/descriptor_text.h"
 #include "tests/device/device_support.h"
@@ -19,6 +22,41 @@ namespace {
 
 constexpr double INFINITE = std::numeric_limits<double>::infinity();
 
+// Reads nothing by itself: knows what it is given, and reports whatever else it is asked for.
+class GIVEN_READER : public SBD_PARAMETER_READER {
+ public:
+  explicit GIVEN_READER(const SBD_FILE_PARSER& document)
+      : SBD_PARAMETER_READER(document, SBD_STRING("stripe")) {
+    m_report_unread = true;
+  }
+  bool read_all_parameters() override { return true; }
+  bool validate_all_parameters() override { return true; }
+
+  void give(const std::string& reference, bool value) {
+    read_bool_parameter(nullptr, reference.c_str(), &value, nullptr);
+    mark_parameter_as_validated(reference.c_str());
+  }
+  void give(const std::string& reference, unsigned long value) {
+    read_dword_parameter(nullptr, reference.c_str(), &value, nullptr);
+    mark_parameter_as_validated(reference.c_str());
+  }
+  void give(const std::string& reference, const char* value) {
+    read_string_parameter(nullptr, reference.c_str(), value, nullptr);
+    mark_parameter_as_validated(reference.c_str());
+  }
+};
+
+class OPEN_DEVICE : public SBD_VELDRAN {
+ public:
+  using SBD_VELDRAN::m_chip_type;
+  using SBD_VELDRAN::m_parameter_reader;
+  using SBD_VELDRAN::SBD_VELDRAN;
+};
+
+std::string unread(const std::string& reference) {
+  return "Parameter stripe." + reference + " has not been read from the SBD file";
+}
+
 // What the three queries answer, and nothing else happening.
 class DERIVED : public testing::Test {
  protected:
@@ -28,6 +66,22 @@ class DERIVED : public testing::Test {
     read_text(*m_device, descriptor_text(settings, chip));
     ASSERT_NE(m_device->get_parameter_reader(), nullptr);
     m_recorder.forget();
+  }
+
+  // A device of that chip whose parameters are given one by one.
+  GIVEN_READER& use_given(SBD_VELDRAN::CHIP_TYPE chip = SBD_VELDRAN::CT_QMXA4) {
+    auto device = std::make_unique<OPEN_DEVICE>("board");
+    auto* const reader = new GIVEN_READER(*device);
+    device->m_chip_type = chip;
+    device->m_parameter_reader = reader;
+    m_device = std::move(device);
+    return *reader;
+  }
+
+  TEXTS take_conditions() {
+    const TEXTS conditions = m_recorder.conditions();
+    m_recorder.forget();
+    return conditions;
   }
 
   void TearDown() override { EXPECT_TRUE(m_recorder.is_silent()); }
@@ -285,6 +339,41 @@ TEST_F(DERIVED, QueriesWithoutAReaderStopAtTheFirstSetting) {
   m_recorder.forget();
 }
 
+// What a frequency follows from, in the order in which it is asked for.
+TEST_F(DERIVED, SettingsAreAskedForUpToTheFirstWithoutAValue) {
+  const std::string input = "clocks.input_clock_frequency";
+  const auto expect_order = [&](const std::function<double()>& ask, const std::string& bypass,
+                                const TEXTS& always, const TEXTS& factors) {
+    for (const bool is_bypassed : {false, true}) {
+      GIVEN_READER& reader = use_given();
+      const auto expect_stop = [&](const std::string& name) {
+        EXPECT_EQ(ask(), -1);
+        EXPECT_EQ(take_conditions(), TEXTS{unread(name)});
+      };
+      expect_stop(input);
+      reader.give(input, 2ul);
+      expect_stop(bypass);
+      reader.give(bypass, is_bypassed);
+      TEXTS rest = always;
+      if (!is_bypassed) rest.insert(rest.end(), factors.begin(), factors.end());
+      for (const std::string& name : rest) {
+        expect_stop(name);
+        reader.give(name, 2ul);
+      }
+      // 2 over a divider of 2, or half of it; times 2 over 2 times 2 unless the PLL is bypassed.
+      EXPECT_EQ(ask(), is_bypassed ? 1.0 : 0.5);
+      EXPECT_EQ(take_conditions(), TEXTS{});
+    }
+  };
+  const TEXTS ahb_factors = {"clocks.pll_ahb_m", "clocks.pll_ahb_n", "clocks.pll_ahb_k"};
+  expect_order([this] { return ahb(1); }, "clocks.pll_ahb_bypass", {"clocks.ahb1_divide"},
+               ahb_factors);
+  expect_order([this] { return ahb(2); }, "clocks.pll_ahb_bypass", {"clocks.ahb2_divide"},
+               ahb_factors);
+  expect_order([this] { return sdram(); }, "clocks.pll_sdram_bypass", {},
+               {"clocks.pll_sdram_m", "clocks.pll_sdram_n", "clocks.pll_sdram_k"});
+}
+
 // ---- Widths ------------------------------------------------------------------------------------
 
 SETTINGS with_ports(const char* first, const char* second, unsigned long first_width,
@@ -410,6 +499,42 @@ TEST_F(DERIVED, NegativePortOfCombinedPortsHasTheirWidth) {
           .set("dpram.combined_mode", flag(true))
           .set("dpram.combined_data_width", whole(8)));
   EXPECT_EQ(width(-1), "yes 8");
+}
+
+// No more is asked for than the width of a port follows from.
+TEST_F(DERIVED, WidthIsAskedForOnlyWhereItCounts) {
+  const std::string combined_mode = "dpram.combined_mode";
+  GIVEN_READER* reader = &use_given();
+  EXPECT_EQ(width(1), "no 0");
+  EXPECT_EQ(take_conditions(),
+            (TEXTS{unread(combined_mode), unread("dpram.mode[1]"), unread("dpram.data_width[1]")}));
+  reader->give(combined_mode, false);
+  reader->give("dpram.mode[1]", "no_ports");
+  EXPECT_EQ(width(1), "yes 32");
+  EXPECT_EQ(take_conditions(), TEXTS{});
+  reader->give("dpram.mode[0]", "one_port");
+  EXPECT_EQ(width(0), "no 0");
+  EXPECT_EQ(take_conditions(), TEXTS{unread("dpram.data_width[0]")});
+  // The width of a port by itself is told as it is.
+  reader->give("dpram.data_width[0]", 64ul);
+  EXPECT_EQ(width(0), "yes 64");
+
+  reader = &use_given();
+  reader->give(combined_mode, true);
+  EXPECT_EQ(width(0), "no 0");
+  EXPECT_EQ(take_conditions(), TEXTS{unread("dpram.combined_data_width")});
+  reader->give("dpram.combined_data_width", 16ul);
+  EXPECT_EQ(width(0), "yes 16");
+  EXPECT_EQ(width(1), "yes 16");
+
+  for (const auto chip : {SBD_VELDRAN::CT_QMXA1, SBD_VELDRAN::CT_QMXM1}) {
+    reader = &use_given(chip);
+    EXPECT_EQ(width(1), "yes untouched");
+    reader->give("dpram.mode[0]", "two_ports");
+    reader->give("dpram.data_width[0]", 8ul);
+    EXPECT_EQ(width(0), "yes 8");
+    EXPECT_EQ(take_conditions(), TEXTS{});
+  }
 }
 
 TEST_F(DERIVED, WidthsWithoutAReader) {

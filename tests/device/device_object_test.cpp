@@ -176,6 +176,8 @@ TEST_F(DEVICE_OBJECT, EnumeratorsAreNumbered) {
   EXPECT_EQ(static_cast<int>(SBD_VELDRAN::CT_QMXM4), 4);
   EXPECT_EQ(static_cast<int>(SBD_VELDRAN::CT_QMXM1), 5);
   EXPECT_EQ(static_cast<int>(SBD_VELDRAN::CT_UNKNOWN), 6);
+  EXPECT_EQ(static_cast<int>(SBD_VELDRAN::PT_ARM), 0);
+  EXPECT_EQ(static_cast<int>(SBD_VELDRAN::PT_MIPS), 1);
   EXPECT_EQ(static_cast<int>(SBD_VELDRAN::PT_UNKNOWN), 2);
 }
 
@@ -1100,6 +1102,30 @@ TEST_F(DEVICE_READER, OneParameterIsJudged) {
   EXPECT_EQ(judge(bits.c_str(), true, true, READER::RQ_BY_RULE, false), "");
   EXPECT_EQ(judge(bits.c_str(), false, true, READER::RQ_BY_RULE, false), missing(bits));
   m_recorder.forget();
+}
+
+TEST_F(DEVICE_READER, DefaultDoesNotStandInForARequiredParameterButStays) {
+  make_reader(minimal_settings());
+  EXPECT_FALSE(m_reader->validate_parameter("ebi.clock_divide", false, true,
+                                            SBD_VELDRAN_PARAMETER_READER::RQ_ALWAYS, true));
+  EXPECT_EQ(posted(m_recorder), TEXTS{missing("ebi.clock_divide")});
+  m_recorder.forget();
+  unsigned long divide = 0;
+  EXPECT_TRUE(m_reader->get_parameter("ebi.clock_divide", divide));
+  EXPECT_EQ(divide, 16u);
+  EXPECT_TRUE(m_recorder.is_silent());
+}
+
+// Requirements and rules look at values before anything is validated.
+TEST_F(DEVICE_READER, RulesDoNotAskForValidation) {
+  make_reader(full_settings(CHIP::QMXA4));
+  for (const PARAMETER_ROW& row : rows_of(CHIP::QMXA4)) {
+    const SBD_STRING name(row.reference().c_str());
+    if (row.requirement == REQUIREMENT::BY_RULE) m_reader->is_parameter_required(name);
+    bool is_valid = false;
+    if (row.is_value_checked) m_reader->validate_family_specific_parameter(name, is_valid);
+  }
+  EXPECT_TRUE(m_recorder.is_silent());
 }
 
 TEST_F(DEVICE_READER, RequirementCodesAreNumbered) {
