@@ -1,4 +1,4 @@
-// The standalone memory manager: malloc with an account per module tag.
+// The standalone memory manager: an account per module tag over malloc and large blocks.
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -13,6 +13,7 @@
 
 #include "h/mem_alloc_sys.h"
 #include "host/handler_slot.h"
+#include "host/large_blocks.h"
 #include "host/sbd_host.h"
 
 namespace {
@@ -166,9 +167,21 @@ struct alignas(std::max_align_t) BLOCK_HEADER {
   std::size_t size;
 };
 
-// No object can be larger than this; malloc need not be asked.
+// No object can be larger than this; the system need not be asked.
 constexpr std::size_t k_largest_block =
-    static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) - sizeof(BLOCK_HEADER);
+    static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) / 2;
+
+void* get_memory(std::size_t size) {
+  return size < k_least_large_block ? std::malloc(size) : take_large_block(size);
+}
+
+void free_memory(void* memory, std::size_t size) noexcept {
+  if (size < k_least_large_block) {
+    std::free(memory);
+  } else {
+    give_back_large_block(memory);
+  }
+}
 
 }  // namespace
 
@@ -176,7 +189,7 @@ void* MEM_MANAGER::new_wrapper(std::size_t size, const char* module_tag) {
   ACCOUNT* const account = account_of_module(module_tag);
   if (!account || size > k_largest_block || is_planned_to_fail(*account)) throw std::bad_alloc();
 
-  void* const memory = std::malloc(sizeof(BLOCK_HEADER) + size);
+  void* const memory = get_memory(sizeof(BLOCK_HEADER) + size);
   if (!memory) throw std::bad_alloc();
 
   void* const block = new (memory) BLOCK_HEADER{account, size} + 1;
@@ -194,7 +207,7 @@ void MEM_MANAGER::delete_wrapper(void* block, const char*) noexcept {
   // The memory goes back last: otherwise another thread could get this address, and have it told
   // to the hook, before the hook hears that it was released.
   tell_hook(false, *released.account, released.size, block);
-  std::free(header);
+  free_memory(header, sizeof(BLOCK_HEADER) + released.size);
 }
 
 MEM_INITIALIZER::MEM_INITIALIZER(const char* module_tag) noexcept {
@@ -234,6 +247,14 @@ void fail_allocation(const char* module_tag, std::size_t count, bool and_later) 
   ACCOUNT* const account = find_or_add_account(module_tag);
   if (!account) throw std::bad_alloc();
   account->failure_plan.store(make_failure_plan(count, and_later), std::memory_order_relaxed);
+}
+
+void limit_kept_memory(std::size_t limit) {
+  limit_kept_blocks(limit);
+}
+
+std::size_t get_kept_memory() {
+  return size_of_kept_blocks();
 }
 
 }  // namespace sbd_host

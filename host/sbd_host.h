@@ -81,6 +81,15 @@ HOST_API void set_memory_hook(MEMORY_HOOK hook);
 // std::bad_alloc; with `and_later`, all after it as well. 0 ends that.
 HOST_API void fail_allocation(const char* module_tag, std::size_t count, bool and_later);
 
+// Large blocks that were released are kept for the next use, up to `limit` bytes in all (256 MiB
+// unless it is set; none in builds with sanitizers). A lower limit takes effect at once: 0 gives
+// everything back to the system. Kept memory belongs to no module's account. On Linux the system
+// takes it when memory gets short.
+HOST_API void limit_kept_memory(std::size_t limit);
+
+// The bytes that are kept at the moment.
+HOST_API std::size_t get_kept_memory();
+
 }  // namespace sbd_host
 
 #endif
