@@ -44,7 +44,8 @@ constexpr char sbd_to_lower(char c) {
 // True when the two are equal, letter case aside. `text` ends with NUL.
 inline bool sbd_equal_ignoring_case(const char* text, std::string_view other) {
   for (const char c : other) {
-    if (*text == '\0' || sbd_to_lower(*text) != sbd_to_lower(c)) return false;
+    // Most are spelled alike; and a NUL in `other` must not lead past the end of `text`.
+    if (*text != c ? sbd_to_lower(*text) != sbd_to_lower(c) : c == '\0') return false;
     ++text;
   }
   return *text == '\0';

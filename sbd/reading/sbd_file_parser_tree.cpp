@@ -169,7 +169,8 @@ SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE SBD_FILE_PARSER::lookup_block_type(
     const char* keyword) noexcept {
   if (keyword == nullptr) return SBD_BLOCK::BT_UNKNOWN;
   for (const BLOCK_TYPE_ROW& row : k_block_types) {
-    if (sbd_equal_ignoring_case(keyword, row.keyword)) return row.type;
+    const bool is_near = sbd_to_lower(keyword[0]) == row.keyword[0];
+    if (is_near && sbd_equal_ignoring_case(keyword, row.keyword)) return row.type;
   }
   return SBD_BLOCK::BT_UNKNOWN;
 }

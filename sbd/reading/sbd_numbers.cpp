@@ -77,6 +77,12 @@ std::uint32_t sbd_convert_octal(std::string_view digits) noexcept {
 }
 
 std::uint32_t sbd_convert_hexadecimal(std::string_view digits) noexcept {
+  constexpr std::size_t k_always_fits = 16;
+  if (digits.size() <= k_always_fits) {
+    std::uint64_t number = 0;
+    for (const char c : digits) number = number << 4 | digit_value(c);
+    return static_cast<std::uint32_t>(number);
+  }
   return convert<16>(digits, k_largest_unsigned);
 }
 

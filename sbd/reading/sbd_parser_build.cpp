@@ -50,25 +50,57 @@ std::uint32_t position_of(const SBD_TOKEN_INFO& token) {
   return token.origin == nullptr ? 0 : token.origin->position_of(token.text.data());
 }
 
-// The symbol of a new node, which nothing else can have declared yet.
-SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
-                             const SBD_TOKEN_INFO& name, SBD_SYMBOL_TABLE& symbol_table) {
-  auto* const symbol = make_record<SBD_SYMBOL>(&name);
-  symbol->line = name.line;
-  symbol->type = type;
-  symbol->name = copy_token_text(name);
-  symbol->node = node;
-  if (name.origin == nullptr) {
-    sbd_enter_foreign_symbol(symbol, symbol_table);
-    return symbol;
-  }
+// The records of something that declares a name.
+template <class CONTENT>
+struct DECLARATION {
+  SBD_NODE* node;
+  CONTENT* content;
+  SBD_SYMBOL* symbol;  // Null where it is still to be made.
+};
+
+template <class CONTENT>
+DECLARATION<CONTENT> make_declaration(const SBD_TOKEN_INFO* name) {
+  if (name == nullptr || name->origin == nullptr) return {new SBD_NODE, new CONTENT, nullptr};
+  struct RECORDS {
+    SBD_NODE node;
+    CONTENT content;
+    SBD_SYMBOL symbol;
+  };
+  auto* const records = name->origin->make<RECORDS>();
+  return {&records->node, &records->content, &records->symbol};
+}
+
+// Enters a symbol of the reader's, which has all but its name.
+void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
+                       SBD_SYMBOL_TABLE& symbol_table) {
+  SBD_STORE& store = *name.origin;
   const std::uint64_t hash = sbd_hash_name(name.text);
+  SBD_KNOWN_NAMES::NAME& known = store.known_names.slot_of(hash);
+  if (!SBD_KNOWN_NAMES::is_known(known, hash, name.text)) {
+    store.known_names.put(known, hash, name.text, store.copy(name.text),
+                          sbd_hash_pjw_ascii(name.text) % SBD_SYMBOL_TABLE::k_bucket_count);
+  }
+  symbol->name = known.text;
   symbol->m_tag = sbd_name_tag(hash);
-  name.origin->open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
-  SBD_SYMBOL*& head =
-      symbol_table[sbd_hash_pjw_ascii(name.text) % SBD_SYMBOL_TABLE::k_bucket_count];
+  store.open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
+  SBD_SYMBOL*& head = symbol_table[known.bucket];
   symbol->next = head;
   head = symbol;
+}
+
+// The symbol of a new node, which nothing else can have declared yet; made unless it is given.
+SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL* symbol, SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
+                             const SBD_TOKEN_INFO& name, SBD_SYMBOL_TABLE& symbol_table) {
+  if (symbol == nullptr) symbol = make_record<SBD_SYMBOL>(&name);
+  symbol->line = name.line;
+  symbol->type = type;
+  symbol->node = node;
+  if (name.origin != nullptr) {
+    enter_read_symbol(symbol, name, symbol_table);
+  } else {
+    symbol->name = copy_token_text(name);
+    sbd_enter_foreign_symbol(symbol, symbol_table);
+  }
   return symbol;
 }
 
@@ -76,19 +108,20 @@ SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
 SBD_STATEMENT* make_statement(SBD_STATEMENT::STATEMENT_TYPE type, const SBD_TOKEN_INFO* name,
                               const SBD_TOKEN_INFO* comment, SBD_SYMBOL_TABLE* symbol_table,
                               SBD_NODE*& node) {
-  node = make_record<SBD_NODE>(name);
-  auto* const statement = make_record<SBD_STATEMENT>(name);
+  const auto made = make_declaration<SBD_STATEMENT>(name);
+  node = made.node;
   node->type = SBD_NODE::NT_STATEMENT;
-  node->statement = statement;
-  statement->type = type;
+  node->statement = made.content;
+  made.content->type = type;
   const bool has_table =
       SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "para_name != NULL", k_source_parser) && has_table) {
     node->m_position = position_of(*name);
-    statement->name = enter_new_symbol(SBD_SYMBOL::SYM_PARAMETER, node, *name, *symbol_table);
+    made.content->name =
+        enter_new_symbol(made.symbol, SBD_SYMBOL::SYM_PARAMETER, node, *name, *symbol_table);
   }
-  if (comment != nullptr) statement->comment = copy_free_text(*comment);
-  return statement;
+  if (comment != nullptr) made.content->comment = copy_free_text(*comment);
+  return made.content;
 }
 
 template <class T>
@@ -123,7 +156,7 @@ SBD_SYMBOL* sbd_create_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
                               const SBD_TOKEN_INFO* name, SBD_SYMBOL_TABLE* symbol_table) {
   if (!SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser)) return nullptr;
   if (!SBD_CHECK(name != nullptr, "name != NULL", k_source_parser)) return nullptr;
-  SBD_SYMBOL* const symbol = enter_new_symbol(type, node, *name, *symbol_table);
+  SBD_SYMBOL* const symbol = enter_new_symbol(nullptr, type, node, *name, *symbol_table);
   for (const SBD_SYMBOL* other = symbol->next; other != nullptr; other = other->next) {
     const bool is_twin = other->node == node && other->type == type && other->name != nullptr &&
                          std::string_view(other->name) == name->text;
@@ -134,8 +167,9 @@ SBD_SYMBOL* sbd_create_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
 
 SBD_NODE* sbd_do_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, SBD_NODE* members,
                        SBD_SYMBOL_TABLE* symbol_table) {
-  auto* const node = make_record<SBD_NODE>(name);
-  auto* const block = make_record<SBD_BLOCK>(name);
+  const auto made = make_declaration<SBD_BLOCK>(name);
+  SBD_NODE* const node = made.node;
+  SBD_BLOCK* const block = made.content;
   node->type = SBD_NODE::NT_BLOCK;
   node->block = block;
   block->members = members;
@@ -147,7 +181,7 @@ SBD_NODE* sbd_do_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, S
   const bool has_table =
       SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "block_name != NULL", k_source_parser) && has_table) {
-    block->name = enter_new_symbol(SBD_SYMBOL::SYM_BLOCK, node, *name, *symbol_table);
+    block->name = enter_new_symbol(made.symbol, SBD_SYMBOL::SYM_BLOCK, node, *name, *symbol_table);
   }
   return node;
 }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_parser.h"
 
@@ -37,11 +38,6 @@ inline bool skip_index(const char*& next) {
   if (next[0] != '[' || !sbd_is(next[1], CC_DIGIT) || next[2] != ']') return false;
   next += 3;
   return true;
-}
-
-inline const char* skip_name(const char* next) {
-  while (sbd_is(*next, CC_NAME)) ++next;
-  return next;
 }
 
 // The token that a word is: an identifier, or one of the Boolean words.
@@ -80,14 +76,10 @@ class FAULTLESS_PARSER {
   // Skips blanks and newlines, which end the condition in which a "#" is a tail comment.
   void skip_blank_space() {
     for (;;) {
-      if (sbd_is(*m_next, CC_BLANK)) {
-        ++m_next;
-      } else if (*m_next == '\n') {
-        count_line(m_next++);
-        m_is_tail = false;
-      } else {
-        return;
-      }
+      m_next = sbd_skip_blanks(m_next);
+      if (*m_next != '\n') return;
+      count_line(m_next++);
+      m_is_tail = false;
     }
   }
 
@@ -101,7 +93,7 @@ class FAULTLESS_PARSER {
   bool skip_declared_name(SBD_TOKEN_INFO& name) {
     const char* const begin = m_next;
     if (!sbd_is(*m_next, CC_NAME_START)) return false;
-    m_next = skip_name(m_next);
+    m_next = sbd_skip_name(m_next);
     while (skip_index(m_next)) {
     }
     name = token(begin);
@@ -115,9 +107,8 @@ class FAULTLESS_PARSER {
     has_dot = false;
     bool has_index = false;
     for (;;) {
-      if (sbd_is(*m_next, CC_NAME)) {
-        ++m_next;
-      } else if (*m_next == '.') {
+      m_next = sbd_skip_name(m_next);
+      if (*m_next == '.') {
         has_dot = true;
         ++m_next;
       } else if (*m_next == '[' && skip_index(m_next)) {
@@ -242,7 +233,7 @@ class FAULTLESS_PARSER {
     if (*m_next != ';') return false;
     ++m_next;
     m_is_tail = true;
-    while (sbd_is(*m_next, CC_BLANK)) ++m_next;
+    m_next = sbd_skip_blanks(m_next);
     comment = nullptr;
     if (*m_next != '#') return true;
     comment = &comment_token;
@@ -331,7 +322,7 @@ class FAULTLESS_PARSER {
 
   bool parse_word(SBD_PARA_VALUE*& value) {
     const char* const begin = m_next;
-    m_next = skip_name(m_next);
+    m_next = sbd_skip_name(m_next);
     const SBD_TOKEN_INFO word = token(begin);
     if (*m_next == '.' || skip_index(m_next)) return false;
     value = sbd_do_para_value(word_code(word.text), &word);

@@ -10,6 +10,7 @@
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_back_links.h"
+#include "sbd/reading/sbd_known_names.h"
 #include "sbd/reading/sbd_name_index.h"
 #include "sbd/reading/sbd_pool.h"
 #include "sbd/reading/sbd_scratch.h"
@@ -124,6 +125,7 @@ class SBD_STORE {
   SBD_POOL pool;
   SBD_SOURCE source;
   SBD_NAME_INDEX names;
+  SBD_KNOWN_NAMES known_names;  // While reading.
   SBD_BACK_LINKS<SBD_NODE> node_links;
   SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;
   SBD_PARSE_FACTS facts;

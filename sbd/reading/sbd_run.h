@@ -1,0 +1,114 @@
+// Runs of characters of one kind, measured many at a time where the machine can.
+//
+// All functions may look at the 16 bytes from their start on, whatever stands there: sources and
+// pools have so much room behind them.
+#ifndef SBD_READING_SBD_RUN_H
+#define SBD_READING_SBD_RUN_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "sbd/reading/sbd_chars.h"
+
+#if defined(__SSE2__) && defined(__GNUC__)
+#include <emmintrin.h>
+#define SBD_HAS_SSE2 1
+#else
+#define SBD_HAS_SSE2 0
+#endif
+
+inline constexpr std::size_t k_run_step = 16;
+
+#if SBD_HAS_SSE2
+
+inline __m128i sbd_load_step(const char* from) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+// A bit for each of the 16 bytes.
+inline unsigned sbd_mask_of(__m128i bytes) {
+  return static_cast<unsigned>(_mm_movemask_epi8(bytes));
+}
+
+// The bytes that lie in `first` ... `first + count - 1`: moved to the low end of the signed bytes,
+// they are those below the count.
+inline __m128i sbd_in_range(__m128i bytes, char first, int count) {
+  const __m128i moved = _mm_add_epi8(bytes, _mm_set1_epi8(static_cast<char>(-128 - first)));
+  return _mm_cmplt_epi8(moved, _mm_set1_epi8(static_cast<char>(-128 + count)));
+}
+
+inline unsigned sbd_name_mask(__m128i bytes) {
+  const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
+  const __m128i is_letter = sbd_in_range(lower, 'a', 26);
+  const __m128i is_digit = sbd_in_range(bytes, '0', 10);
+  const __m128i is_underscore = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_'));
+  return sbd_mask_of(_mm_or_si128(_mm_or_si128(is_letter, is_digit), is_underscore));
+}
+
+inline constexpr unsigned k_whole_step = 0xFFFF;
+
+inline std::size_t sbd_first_clear_bit(unsigned mask) {
+  return static_cast<std::size_t>(__builtin_ctz(~mask));
+}
+
+// Behind the letters, digits and underscores from `next` on.
+inline const char* sbd_skip_name(const char* next) {
+  for (;;) {
+    const unsigned mask = sbd_name_mask(sbd_load_step(next));
+    if (mask != k_whole_step) return next + sbd_first_clear_bit(mask);
+    next += k_run_step;
+  }
+}
+
+// Behind the blanks from `next` on. Tabs and carriage returns are rare and taken one by one.
+inline const char* sbd_skip_blanks(const char* next) {
+  if (!sbd_is(*next, CC_BLANK)) return next;
+  ++next;
+  if (!sbd_is(*next, CC_BLANK)) return next;
+  const __m128i blank = _mm_set1_epi8(' ');
+  for (;;) {
+    const unsigned mask = sbd_mask_of(_mm_cmpeq_epi8(sbd_load_step(next), blank));
+    if (mask == k_whole_step) {
+      next += k_run_step;
+      continue;
+    }
+    next += sbd_first_clear_bit(mask);
+    if (!sbd_is(*next, CC_BLANK)) return next;
+    ++next;
+  }
+}
+
+// Whether `size` bytes are the same.
+inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size) {
+  while (size > k_run_step) {
+    if (std::memcmp(one, other, k_run_step) != 0) return false;
+    one += k_run_step;
+    other += k_run_step;
+    size -= k_run_step;
+  }
+  const unsigned wanted = (1U << size) - 1;
+  const unsigned same = sbd_mask_of(_mm_cmpeq_epi8(sbd_load_step(one), sbd_load_step(other)));
+  return (same & wanted) == wanted;
+}
+
+#else
+
+inline const char* sbd_skip_name(const char* next) {
+  while (sbd_is(*next, CC_NAME)) ++next;
+  return next;
+}
+
+inline const char* sbd_skip_blanks(const char* next) {
+  while (sbd_is(*next, CC_BLANK)) ++next;
+  return next;
+}
+
+inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size) {
+  return std::memcmp(one, other, size) == 0;
+}
+
+#endif
+
+#endif
