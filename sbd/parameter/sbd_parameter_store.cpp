@@ -90,14 +90,9 @@ SBD_PARAMETER_STORE::SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser,
                                          const SBD_STRING& module_name)
     : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix) {}
 
-// The same in every run, since prepared names keep it.
 std::uint32_t SBD_PARAMETER_STORE::hash_of(std::string_view reference) {
-  std::uint64_t hash = reference.size();
-  const char* next = reference.data();
-  std::size_t left = reference.size();
-  for (; left >= 8; left -= 8, next += 8) hash = sbd_hash_mix(hash, sbd_load<std::uint64_t>(next));
-  if (left != 0) hash = sbd_hash_mix(hash, sbd_load_rest(next, left));
-  return static_cast<std::uint32_t>(hash >> 32);
+  constexpr std::uint64_t k_seed = 0;  // The same in every run, since prepared names keep the hash.
+  return static_cast<std::uint32_t>(sbd_hash_name(reference, k_seed) >> 32);
 }
 
 void SBD_PARAMETER_STORE::expect(const SBD_PREPARED_NAME& name) {

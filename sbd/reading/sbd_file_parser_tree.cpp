@@ -1,6 +1,7 @@
 // The document's records: making, linking and freeing them.
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_hash.h"
@@ -11,7 +12,7 @@
 namespace {
 
 struct BLOCK_TYPE_ROW {
-  const char* keyword;
+  std::string_view keyword;
   SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE type;
 };
 

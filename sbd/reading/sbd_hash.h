@@ -2,6 +2,8 @@
 #ifndef SBD_READING_SBD_HASH_H
 #define SBD_READING_SBD_HASH_H
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -39,44 +41,58 @@ inline std::uint32_t sbd_hash_pjw_ascii(std::string_view name) {
 // Differs from run to run, so that nobody can prepare names that collide.
 extern const std::uint64_t k_hash_seed;
 
-// Mixes eight bytes of a name into the hash. Setting bit 5 of every byte makes the hash blind to
-// letter case; that it merges a few other characters too does no harm, since names are compared.
+// Mixes eight bytes into a hash.
 inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
-  constexpr std::uint64_t k_case_bits = 0x2020202020202020U;
   constexpr std::uint64_t k_multiplier_1 = 0x9E3779B97F4A7C15U;
   constexpr std::uint64_t k_multiplier_2 = 0xC2B2AE3D27D4EB4FU;
-  hash = (hash ^ (bytes | k_case_bits)) * k_multiplier_1;
+  hash = (hash ^ bytes) * k_multiplier_1;
   // The high bits know most about the input: bring them down before they are multiplied again.
   return ((hash >> 32) | (hash << 32)) * k_multiplier_2;
 }
 
-template <class WORD>
-std::uint64_t sbd_load(const char* from) {
-  WORD word = 0;
+inline std::uint64_t sbd_load_word(const void* from) {
+  std::uint64_t word = 0;
   std::memcpy(&word, from, sizeof word);
   return word;
 }
 
-// The last one to seven bytes of a name as one number, read in pieces that may overlap.
-inline std::uint64_t sbd_load_rest(const char* from, std::size_t count) {
-  if (count >= 4) {
-    return sbd_load<std::uint32_t>(from) | sbd_load<std::uint32_t>(from + count - 4)
-                                               << (8 * (count - 4));
-  }
-  const std::size_t middle = count / 2;
-  return sbd_load<std::uint8_t>(from) | sbd_load<std::uint8_t>(from + middle) << (8 * middle) |
-         sbd_load<std::uint8_t>(from + count - 1) << (8 * (count - 1));
+// A name is hashed in steps of two words, the last one filled up with zeros.
+inline constexpr std::size_t k_hash_step = 16;
+
+// One step. Setting bit 5 of every byte makes the hash blind to letter case; that it merges a few
+// other characters too does no harm, since names are compared.
+inline std::uint64_t sbd_hash_step(std::uint64_t hash, std::uint64_t low, std::uint64_t high) {
+  constexpr std::uint64_t k_case_bits = 0x2020202020202020U;
+  return sbd_hash_mix(sbd_hash_mix(hash, low | k_case_bits), high | k_case_bits);
 }
 
 // Our own hash of a name, letter case aside.
-inline std::uint64_t sbd_hash_name(std::string_view name) {
-  std::uint64_t hash = k_hash_seed ^ name.size();
-  const char* next = name.data();
-  std::size_t left = name.size();
-  for (; left >= 8; left -= 8, next += 8) {
-    hash = sbd_hash_mix(hash, sbd_load<std::uint64_t>(next));
+inline std::uint64_t sbd_hash_name(std::string_view name, std::uint64_t seed = k_hash_seed) {
+  std::uint64_t hash = seed ^ name.size();
+  for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
+    char step[k_hash_step] = {};
+    std::memcpy(step, name.data() + done, std::min(name.size() - done, k_hash_step));
+    hash = sbd_hash_step(hash, sbd_load_word(step), sbd_load_word(step + 8));
   }
-  return left == 0 ? hash : sbd_hash_mix(hash, sbd_load_rest(next, left));
+  return hash;
+}
+
+// The same for a name behind which a step can be read, whatever stands there.
+inline std::uint64_t sbd_hash_padded_name(std::string_view name) {
+  // Read from the middle on minus a count, it leaves so many bytes.
+  static constexpr auto k_masks = [] {
+    std::array<unsigned char, 2 * k_hash_step> masks{};
+    for (std::size_t i = 0; i != k_hash_step; ++i) masks[i] = 0xFF;
+    return masks;
+  }();
+  std::uint64_t hash = k_hash_seed ^ name.size();
+  for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
+    const char* const step = name.data() + done;
+    const auto* const mask = &k_masks[k_hash_step - std::min(name.size() - done, k_hash_step)];
+    hash = sbd_hash_step(hash, sbd_load_word(step) & sbd_load_word(mask),
+                         sbd_load_word(step + 8) & sbd_load_word(mask + 8));
+  }
+  return hash;
 }
 
 // The digest of a name that its symbol carries: never 0.

@@ -40,7 +40,7 @@ class SBD_KNOWN_NAMES {
   }
 
  private:
-  static constexpr std::size_t k_slot_count = 128;
+  static constexpr std::size_t k_slot_count = 256;
 
   static std::uint16_t check_of(std::uint64_t hash) {
     return static_cast<std::uint16_t>(hash >> 40);

@@ -58,8 +58,21 @@ struct SBD_NAME_INDEX::SCOPE_TABLE {
 
 namespace {
 
+// True unless a few bits of their hashes tell all symbols apart.
+bool may_have_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
+  std::uint64_t seen = 0;
+  bool may_have = false;
+  for (const auto* one = first; one != last; ++one) {
+    const std::uint64_t bit = std::uint64_t{1} << (one->hash % 64);
+    may_have |= (seen & bit) != 0;
+    seen |= bit;
+  }
+  return may_have;
+}
+
 // Two symbols of a small scope with one name are rare, and pairs are few.
 bool has_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
+  if (!may_have_twins(first, last)) return false;
   for (const auto* one = first; one != last; ++one) {
     for (const auto* other = first; other != one; ++other) {
       if (one->hash == other->hash &&

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -24,6 +25,50 @@ std::uint32_t convert(std::string_view digits, std::uint64_t largest) {
   }
   return static_cast<std::uint32_t>(number);
 }
+
+// ---- Eight digits at once ----------------------------------------------------------------------
+
+// The first digit has to lie in the lowest byte.
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+constexpr bool k_takes_eight = true;
+#else
+constexpr bool k_takes_eight = false;
+#endif
+constexpr std::size_t k_digits_at_once = 8;
+
+constexpr std::uint64_t in_all_bytes(std::uint64_t byte) {
+  return byte * 0x0101010101010101U;
+}
+
+// The last of the eight digits that `digits` would be with leading zeros lies in the highest byte.
+std::uint64_t align_digits(std::uint64_t digits, std::size_t count) {
+  return digits << (8 * (k_digits_at_once - count));
+}
+
+std::uint64_t load_eight(std::string_view digits) {
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, digits.data(), sizeof bytes);
+  return bytes;
+}
+
+// Each step joins neighbours: digits to pairs, pairs to fours, fours to eights.
+std::uint32_t join_decimal_digits(std::uint64_t digits) {
+  digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FFU;
+  digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFFU;
+  return static_cast<std::uint32_t>(digits * 10000 + (digits >> 32));
+}
+
+std::uint32_t join_hexadecimal_digits(std::uint64_t digits) {
+  digits = (digits << 4 | digits >> 8) & 0x00FF00FF00FF00FFU;
+  digits = (digits << 8 | digits >> 16) & 0x0000FFFF0000FFFFU;
+  return static_cast<std::uint32_t>(digits << 16 | digits >> 32);
+}
+
+bool fits_at_once(std::string_view digits) {
+  return k_takes_eight && digits.size() - 1 < k_digits_at_once;
+}
+
+// ------------------------------------------------------------------------------------------------
 
 constexpr std::uint64_t k_largest_signed = std::numeric_limits<std::int64_t>::max();
 constexpr std::uint64_t k_largest_unsigned = std::numeric_limits<std::uint64_t>::max();
@@ -84,6 +129,21 @@ std::uint32_t sbd_convert_hexadecimal(std::string_view digits) noexcept {
     return static_cast<std::uint32_t>(number);
   }
   return convert<16>(digits, k_largest_unsigned);
+}
+
+std::uint32_t sbd_convert_padded_decimal(std::string_view digits) noexcept {
+  if (!fits_at_once(digits) || digits.front() == '+') return sbd_convert_decimal(digits);
+  const std::uint64_t values = load_eight(digits) - in_all_bytes('0');
+  return join_decimal_digits(align_digits(values, digits.size()));
+}
+
+std::uint32_t sbd_convert_padded_hexadecimal(std::string_view digits) noexcept {
+  if (!fits_at_once(digits)) return sbd_convert_hexadecimal(digits);
+  const std::uint64_t bytes = load_eight(digits);
+  // A letter has bit 6 set, and its low four bits are 9 less than its value.
+  const std::uint64_t is_letter = (bytes >> 6) & in_all_bytes(1);
+  const std::uint64_t values = (bytes & in_all_bytes(0x0F)) + is_letter * 9;
+  return join_hexadecimal_digits(align_digits(values, digits.size()));
 }
 
 std::uint32_t sbd_convert_binary(std::string_view digits) noexcept {

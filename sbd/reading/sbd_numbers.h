@@ -10,6 +10,9 @@ std::uint32_t sbd_convert_decimal(std::string_view digits) noexcept;
 // The low 32 bits of the digits of a base of 8 or 16, without prefix; beyond 64 bits they saturate.
 std::uint32_t sbd_convert_octal(std::string_view digits) noexcept;
 std::uint32_t sbd_convert_hexadecimal(std::string_view digits) noexcept;
+// The same for digits behind which eight bytes can be read from their start on, whatever they are.
+std::uint32_t sbd_convert_padded_decimal(std::string_view digits) noexcept;
+std::uint32_t sbd_convert_padded_hexadecimal(std::string_view digits) noexcept;
 // The low 32 binary digits.
 std::uint32_t sbd_convert_binary(std::string_view digits) noexcept;
 // The nearest double to a number with sign, digits and point, or with sign and digits.

@@ -74,7 +74,7 @@ DECLARATION<CONTENT> make_declaration(const SBD_TOKEN_INFO* name) {
 void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
                        SBD_SYMBOL_TABLE& symbol_table) {
   SBD_STORE& store = *name.origin;
-  const std::uint64_t hash = sbd_hash_name(name.text);
+  const std::uint64_t hash = sbd_hash_padded_name(name.text);
   SBD_KNOWN_NAMES::NAME& known = store.known_names.slot_of(hash);
   if (!SBD_KNOWN_NAMES::is_known(known, hash, name.text)) {
     store.known_names.put(known, hash, name.text, store.copy(name.text),
@@ -86,6 +86,11 @@ void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
   SBD_SYMBOL*& head = symbol_table[known.bucket];
   symbol->next = head;
   head = symbol;
+}
+
+// The digits behind 0x or 0b.
+std::string_view without_prefix(std::string_view number) {
+  return number.substr(std::min<std::size_t>(number.size(), 2));
 }
 
 // The symbol of a new node, which nothing else can have declared yet; made unless it is given.
@@ -219,13 +224,13 @@ SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
   if (!SBD_CHECK(token != nullptr, "token != NULL", k_source_parser)) return nullptr;
   auto* const value = make_record<SBD_PARA_VALUE>(token);
   const std::string_view text = token->text;
-  const std::string_view digits = text.substr(std::min<std::size_t>(text.size(), 2));  // Of 0x, 0b.
   value->m_position = position_of(*token);
   value->m_length = static_cast<std::uint32_t>(text.size());
+  const bool is_padded = token->origin != nullptr;  // As all sources are.
   switch (code) {
     case SBD_TOK_UDECIMAL:
       value->type = SBD_PARA_VALUE::VT_UDECIMAL;
-      value->number = sbd_convert_decimal(text);
+      value->number = is_padded ? sbd_convert_padded_decimal(text) : sbd_convert_decimal(text);
       return value;
     case SBD_TOK_OCTAL:
       value->type = SBD_PARA_VALUE::VT_OCTAL;
@@ -233,11 +238,12 @@ SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
       return value;
     case SBD_TOK_HEXAL:
       value->type = SBD_PARA_VALUE::VT_HEXAL;
-      value->number = sbd_convert_hexadecimal(digits);
+      value->number = is_padded ? sbd_convert_padded_hexadecimal(without_prefix(text))
+                                : sbd_convert_hexadecimal(without_prefix(text));
       return value;
     case SBD_TOK_BINARY:
       value->type = SBD_PARA_VALUE::VT_BINARY;
-      value->number = sbd_convert_binary(digits);
+      value->number = sbd_convert_binary(without_prefix(text));
       return value;
     case SBD_TOK_FLOAT:
       value->type = SBD_PARA_VALUE::VT_FLOAT;

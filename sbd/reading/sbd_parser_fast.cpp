@@ -42,152 +42,164 @@ inline bool skip_index(const char*& next) {
 
 // The token that a word is: an identifier, or one of the Boolean words.
 inline int word_code(std::string_view word) {
-  if (word.size() == 4 && (word == "true" || word == "TRUE" || word == "True")) return SBD_TOK_TRUE;
-  if (word.size() == 5 && (word == "false" || word == "FALSE" || word == "False")) {
-    return SBD_TOK_FALSE;
-  }
+  // Only words of 4 and 5 letters need a look.
+  if (word.size() - 4 > 1) return SBD_TOK_IDENTIFIER;
+  if (word == "true" || word == "TRUE" || word == "True") return SBD_TOK_TRUE;
+  if (word == "false" || word == "FALSE" || word == "False") return SBD_TOK_FALSE;
   return SBD_TOK_IDENTIFIER;
 }
 
 // Recursive descent over the grammar, with stacks of its own in place of recursion. Every function
-// returns false at a fault, however far it got.
+// is told where it begins and returns where it ended, or null at a fault, however far it got; so
+// the place stays in a register.
 class FAULTLESS_PARSER {
  public:
   FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para)
-      : m_next(text.data()), m_end(text.data() + text.size()), m_store(store), m_para(para) {}
+      : m_end(text.data() + text.size()),
+        m_store(store),
+        m_para(para),
+        m_line_begin(text.data()),
+        m_next_mark(text.data()) {}
 
   bool parse() {
-    for (;;) {
-      skip_blank_space();
-      const char c = *m_next;
+    const char* next = m_line_begin;
+    while (next != nullptr) {
+      next = skip_blank_space(next);
+      const char c = *next;
       if (sbd_is(c, CC_NAME_START)) {
-        if (!parse_named()) return false;
+        next = parse_named(next);
       } else if (c == '#') {
-        if (!parse_comment_line()) return false;
+        next = parse_comment_line(next);
       } else if (c == '}') {
-        if (!close_block()) return false;
+        next = close_block(next);
       } else {
-        return c == '\0' && m_next == m_end && m_open_blocks.empty() && finish();
+        return next == m_end && m_open_blocks.empty() && finish();
       }
     }
+    return false;
   }
 
  private:
   // Skips blanks and newlines, which end the condition in which a "#" is a tail comment.
-  void skip_blank_space() {
-    for (;;) {
-      m_next = sbd_skip_blanks(m_next);
-      if (*m_next != '\n') return;
-      count_line(m_next++);
+  const char* skip_blank_space(const char* next) {
+    while (static_cast<unsigned char>(*next) <= ' ') {
+      next = sbd_skip_blanks(next);
+      if (*next != '\n') return next;
+      count_line(next++);
       m_is_tail = false;
     }
+    return next;
   }
 
-  void count_line(const char* newline) { m_store.source.note_newline(newline, m_line++); }
-
-  SBD_TOKEN_INFO token(const char* begin) const {
-    return {m_line, std::string_view(begin, static_cast<std::size_t>(m_next - begin)), &m_store};
-  }
-
-  // Skips an identifier or an indexed name.
-  bool skip_declared_name(SBD_TOKEN_INFO& name) {
-    const char* const begin = m_next;
-    if (!sbd_is(*m_next, CC_NAME_START)) return false;
-    m_next = sbd_skip_name(m_next);
-    while (skip_index(m_next)) {
+  void count_line(const char* newline) {
+    if (newline >= m_next_mark) {
+      m_next_mark = m_store.source.mark_lines(newline, {m_line, m_line_begin});
     }
-    name = token(begin);
-    return word_code(name.text) == SBD_TOK_IDENTIFIER;
+    ++m_line;
+    m_line_begin = newline + 1;
   }
 
-  // Skips an identifier or a qualified name; where an indexed name stands, that is a fault.
-  bool skip_reference_name(SBD_TOKEN_INFO& name, bool& has_dot) {
-    const char* const begin = m_next;
-    if (!sbd_is(*begin, CC_NAME_START | CC_DOT)) return false;
+  SBD_TOKEN_INFO token(const char* begin, const char* end) const {
+    return {m_line, std::string_view(begin, static_cast<std::size_t>(end - begin)), &m_store};
+  }
+
+  // An identifier or an indexed name.
+  const char* skip_declared_name(const char* begin, SBD_TOKEN_INFO& name) {
+    if (!sbd_is(*begin, CC_NAME_START)) return nullptr;
+    const char* next = sbd_skip_name(begin);
+    while (skip_index(next)) {
+    }
+    name = token(begin, next);
+    return word_code(name.text) == SBD_TOK_IDENTIFIER ? next : nullptr;
+  }
+
+  // An identifier or a qualified name; where an indexed name stands, that is a fault.
+  const char* skip_reference_name(const char* begin, SBD_TOKEN_INFO& name, bool& has_dot) {
+    if (!sbd_is(*begin, CC_NAME_START | CC_DOT)) return nullptr;
     has_dot = false;
     bool has_index = false;
-    for (;;) {
-      m_next = sbd_skip_name(m_next);
-      if (*m_next == '.') {
+    for (const char* next = begin;;) {
+      next = sbd_skip_name(next);
+      if (*next == '.') {
         has_dot = true;
-        ++m_next;
-      } else if (*m_next == '[' && skip_index(m_next)) {
+        ++next;
+      } else if (*next == '[' && skip_index(next)) {
         has_index = true;
       } else {
-        name = token(begin);
-        return has_dot || (!has_index && word_code(name.text) == SBD_TOK_IDENTIFIER);
+        name = token(begin, next);
+        const bool is_name = has_dot || (!has_index && word_code(name.text) == SBD_TOK_IDENTIFIER);
+        return is_name ? next : nullptr;
       }
     }
   }
 
-  // The rest of the line from "#" on, with its newline; false at the end of the text.
-  bool skip_comment(SBD_TOKEN_INFO& comment) {
-    const char* const begin = m_next;
-    const void* const newline = std::memchr(m_next, '\n', static_cast<std::size_t>(m_end - m_next));
-    if (newline == nullptr) return false;
-    m_next = static_cast<const char*>(newline) + 1;
-    count_line(m_next - 1);
+  // The rest of the line from "#" on, with its newline; a fault at the end of the text.
+  const char* skip_comment(const char* begin, SBD_TOKEN_INFO& comment) {
+    const auto* const newline =
+        static_cast<const char*>(std::memchr(begin, '\n', static_cast<std::size_t>(m_end - begin)));
+    if (newline == nullptr) return nullptr;
+    count_line(newline);
     m_is_tail = false;
-    comment = token(begin);
-    return true;
+    comment = token(begin, newline + 1);
+    return newline + 1;
   }
 
   void append(SBD_NODE* node) {
     if (m_members.last == nullptr) {
       m_members.first = node;
     } else {
-      sbd_join_node(m_members.last, node);
+      m_members.last->next = node;
     }
     m_members.last = node;
   }
 
-  bool parse_comment_line() {
+  const char* parse_comment_line(const char* next) {
     SBD_TOKEN_INFO comment;
-    if (m_is_tail || !skip_comment(comment)) return false;
+    if (m_is_tail || (next = skip_comment(next, comment)) == nullptr) return nullptr;
     append(sbd_do_comment(&comment));
     ++m_members.comments;
-    return true;
+    return next;
   }
 
   // A statement or the head of a block.
-  bool parse_named() {
+  const char* parse_named(const char* next) {
     SBD_TOKEN_INFO name;
-    if (!skip_declared_name(name)) return false;
-    skip_blank_space();
-    switch (*m_next) {
+    next = skip_declared_name(next, name);
+    if (next == nullptr) return nullptr;
+    const char* const name_end = next;
+    next = skip_blank_space(next);
+    switch (*next) {
       case '=':
-        ++m_next;
-        return !m_open_blocks.empty() && parse_assignment(name);
+        return m_open_blocks.empty() ? nullptr : parse_assignment(next + 1, name);
       case '<':
-        ++m_next;
-        return !m_open_blocks.empty() && parse_reference(name);
+        return m_open_blocks.empty() ? nullptr : parse_reference(next + 1, name);
       default:
-        return name.text.back() != ']' && parse_block_head(name);
+        // Two names with nothing between them would be one token.
+        return next == name_end || name_end[-1] == ']' ? nullptr : parse_block_head(next, name);
     }
   }
 
-  bool parse_block_head(const SBD_TOKEN_INFO& type) {
-    // Two names with nothing between them would be one token.
+  const char* parse_block_head(const char* next, const SBD_TOKEN_INFO& type) {
     SBD_TOKEN_INFO name;
-    if (m_next == type.text.data() + type.text.size() || !skip_declared_name(name)) return false;
-    skip_blank_space();
-    if (*m_next != '{') return false;
-    ++m_next;
+    next = skip_declared_name(next, name);
+    if (next == nullptr) return nullptr;
+    next = skip_blank_space(next);
+    if (*next != '{') return nullptr;
     m_open_blocks.push_back({type, name, m_members});
     m_members = {nullptr, nullptr, 0, m_store.open_members.size()};
-    return true;
+    return next + 1;
   }
 
-  bool close_block() {
-    if (m_open_blocks.empty() || m_members.first == nullptr) return false;
-    ++m_next;
+  const char* close_block(const char* next) {
+    if (m_open_blocks.empty() || m_members.first == nullptr) return nullptr;
+    ++next;
     m_is_tail = true;
     const OPEN_BLOCK open = m_open_blocks.back();
     m_open_blocks.pop_back();
     SBD_NODE* const node =
         sbd_do_block(&open.type, &open.name, m_members.first, m_para.symbol_table);
     node->block->m_last = m_members.last;
-    node->block->m_end_position = m_store.source.offset_of(m_next);
+    node->block->m_end_position = m_store.source.offset_of(next);
 
     // The block's own name was entered last; it belongs to the scope around the block.
     auto& names = m_store.open_members;
@@ -203,64 +215,67 @@ class FAULTLESS_PARSER {
     if (type == SBD_BLOCK::BT_UNKNOWN || (type == SBD_BLOCK::BT_DEVICE) != is_top_level) {
       m_store.facts.has_misplaced_blocks = true;
     }
-    return true;
+    return next;
   }
 
   // Takes the innermost open scope's names from the open ones.
   void close_scope(SBD_NODE* block) {
     auto& names = m_store.open_members;
+    const SBD_OPEN_MEMBER* const first = names.begin() + m_members.first_name;
     if (m_store.facts.gives_parents) {
-      for (std::size_t i = m_members.first_name; i != names.size(); ++i) {
-        SBD_SYMBOL* const symbol = names[i].symbol;
-        symbol->parent = block != nullptr ? block : symbol->node;
+      for (const SBD_OPEN_MEMBER* name = first; name != names.end(); ++name) {
+        name->symbol->parent = block != nullptr ? block : name->symbol->node;
       }
     }
-    const bool is_unique = m_store.names.close_scope(block, names.begin() + m_members.first_name,
-                                                     names.end(), m_members.comments, m_store.pool);
+    const bool is_unique =
+        m_store.names.close_scope(block, first, names.end(), m_members.comments, m_store.pool);
     if (!is_unique) m_store.facts.has_duplicate_names = true;
     names.truncate(m_members.first_name);
   }
 
   bool finish() {
     close_scope(nullptr);
+    m_store.source.set_last_line({m_line, m_line_begin});
     m_para.root = m_members.first;
     m_store.last_root = m_members.last;
     return true;
   }
 
   // The ";" of a statement and the comment behind it; `comment` is null where there is none.
-  bool parse_statement_end(SBD_TOKEN_INFO& comment_token, const SBD_TOKEN_INFO*& comment) {
-    if (*m_next != ';') return false;
-    ++m_next;
-    m_is_tail = true;
-    m_next = sbd_skip_blanks(m_next);
+  const char* parse_statement_end(const char* next, SBD_TOKEN_INFO& comment_token,
+                                  const SBD_TOKEN_INFO*& comment) {
     comment = nullptr;
-    if (*m_next != '#') return true;
+    if (*next != ';') return nullptr;
+    m_is_tail = true;
+    next = sbd_skip_blanks(next + 1);
+    if (*next != '#') return next;
     comment = &comment_token;
-    return skip_comment(comment_token);
+    return skip_comment(next, comment_token);
   }
 
-  bool parse_assignment(const SBD_TOKEN_INFO& name) {
+  const char* parse_assignment(const char* next, const SBD_TOKEN_INFO& name) {
+    next = skip_blank_space(next);
     SBD_PARA_VALUE* value = nullptr;
-    skip_blank_space();
-    if (!(*m_next == '{' ? parse_list(value) : parse_simple_value(value))) return false;
+    next = *next == '{' ? parse_list(next, value) : parse_simple_value(next, value);
+    if (next == nullptr) return nullptr;
     SBD_PARA_ATTR* attributes = nullptr;
-    if (*m_next == '[' && !parse_attributes(attributes)) return false;
+    if (*next == '[' && (next = parse_attributes(next, attributes)) == nullptr) return nullptr;
     SBD_TOKEN_INFO comment_token;
     const SBD_TOKEN_INFO* comment = nullptr;
-    if (!parse_statement_end(comment_token, comment)) return false;
+    next = parse_statement_end(next, comment_token, comment);
+    if (next == nullptr) return nullptr;
     append(sbd_do_assignment(&name, value, attributes, comment, m_para.symbol_table));
-    return true;
+    return next;
   }
 
-  bool parse_reference(const SBD_TOKEN_INFO& name) {
+  const char* parse_reference(const char* next, const SBD_TOKEN_INFO& name) {
     SBD_PARA_REF* references = nullptr;
     SBD_PARA_REF* last = nullptr;
     do {
-      skip_blank_space();
       SBD_TOKEN_INFO element;
       bool has_dot = false;
-      if (!skip_reference_name(element, has_dot)) return false;
+      next = skip_reference_name(skip_blank_space(next), element, has_dot);
+      if (next == nullptr) return nullptr;
       SBD_PARA_REF* const reference = sbd_do_para_ref(&element);
       if (last == nullptr) {
         references = reference;
@@ -268,35 +283,36 @@ class FAULTLESS_PARSER {
         sbd_join_para_ref(last, reference);
       }
       last = reference;
-      skip_blank_space();
-    } while (*m_next++ == ',');
-    if (m_next[-1] != '>') return false;
-    skip_blank_space();
+      next = skip_blank_space(next);
+    } while (*next++ == ',');
+    if (next[-1] != '>') return nullptr;
     SBD_TOKEN_INFO comment_token;
     const SBD_TOKEN_INFO* comment = nullptr;
-    if (!parse_statement_end(comment_token, comment)) return false;
+    next = parse_statement_end(skip_blank_space(next), comment_token, comment);
+    if (next == nullptr) return nullptr;
     SBD_NODE* const node = sbd_do_reference(&name, references, comment, m_para.symbol_table);
     append(node);
     m_store.facts.references.push_back(node->statement);
-    return true;
+    return next;
   }
 
-  bool parse_attributes(SBD_PARA_ATTR*& attributes) {
-    SBD_PARA_ATTR* last = nullptr;
-    ++m_next;
+  const char* parse_attributes(const char* next, SBD_PARA_ATTR*& attributes) {
     // Right behind a number, "[" leaves the scanner where it knows no names.
-    if (m_is_unit && sbd_is(*m_next, CC_NAME_START)) return false;
+    if (m_is_unit && sbd_is(next[1], CC_NAME_START)) return nullptr;
+    SBD_PARA_ATTR* last = nullptr;
+    ++next;
     do {
-      skip_blank_space();
       SBD_TOKEN_INFO key;
       bool has_dot = false;
-      if (!skip_reference_name(key, has_dot) || has_dot) return false;
-      skip_blank_space();
+      next = skip_reference_name(skip_blank_space(next), key, has_dot);
+      if (next == nullptr || has_dot) return nullptr;
+      next = skip_blank_space(next);
       SBD_TOKEN_INFO value;
-      const bool has_value = sbd_is(*m_next, CC_NAME_START | CC_DOT);
+      const bool has_value = sbd_is(*next, CC_NAME_START | CC_DOT);
       if (has_value) {
-        if (!skip_reference_name(value, has_dot) || !has_dot) return false;
-        skip_blank_space();
+        next = skip_reference_name(next, value, has_dot);
+        if (next == nullptr || !has_dot) return nullptr;
+        next = skip_blank_space(next);
       }
       SBD_PARA_ATTR* const attribute = sbd_do_para_attr(&key, has_value ? &value : nullptr);
       if (last == nullptr) {
@@ -305,141 +321,121 @@ class FAULTLESS_PARSER {
         sbd_join_para_attr(last, attribute);
       }
       last = attribute;
-    } while (*m_next++ == ',');
-    if (m_next[-1] != ']') return false;
-    skip_blank_space();
-    return true;
+    } while (*next++ == ',');
+    return next[-1] == ']' ? skip_blank_space(next) : nullptr;
   }
 
   // A value that is no list, and the blank space behind it.
-  bool parse_simple_value(SBD_PARA_VALUE*& value) {
+  const char* parse_simple_value(const char* next, SBD_PARA_VALUE*& value) {
     m_is_unit = false;
-    const char c = *m_next;
-    if (sbd_is(c, CC_DIGIT) || c == '+' || c == '-') return parse_number(value);
-    if (sbd_is(c, CC_NAME_START)) return parse_word(value);
-    return c == '"' && parse_string(value);
+    const char c = *next;
+    if (sbd_is(c, CC_DIGIT) || c == '+' || c == '-') return parse_number(next, value);
+    if (sbd_is(c, CC_NAME_START)) return parse_word(next, value);
+    return c == '"' ? parse_string(next, value) : nullptr;
   }
 
-  bool parse_word(SBD_PARA_VALUE*& value) {
-    const char* const begin = m_next;
-    m_next = sbd_skip_name(m_next);
-    const SBD_TOKEN_INFO word = token(begin);
-    if (*m_next == '.' || skip_index(m_next)) return false;
+  const char* parse_word(const char* begin, SBD_PARA_VALUE*& value) {
+    const char* next = sbd_skip_name(begin);
+    const SBD_TOKEN_INFO word = token(begin, next);
+    if (*next == '.' || skip_index(next)) return nullptr;
     value = sbd_do_para_value(word_code(word.text), &word);
-    skip_blank_space();
-    return true;
+    return skip_blank_space(next);
   }
 
-  bool parse_string(SBD_PARA_VALUE*& value) {
-    const char* const begin = m_next++;
-    for (; *m_next != '"'; ++m_next) {
-      if (*m_next == '\n') {
-        count_line(m_next);
-      } else if (m_next == m_end) {
-        return false;
-      }
+  const char* parse_string(const char* begin, SBD_PARA_VALUE*& value) {
+    const char* next = sbd_find_quote_or_newline(begin + 1, m_end);
+    while (next != nullptr && *next == '\n') {
+      count_line(next);
+      next = sbd_find_quote_or_newline(next + 1, m_end);
     }
-    ++m_next;
-    const SBD_TOKEN_INFO string = token(begin);
+    if (next == nullptr) return nullptr;
+    ++next;
+    const SBD_TOKEN_INFO string = token(begin, next);
     value = sbd_do_para_value(SBD_TOK_STRING, &string);
-    skip_blank_space();
-    return true;
+    return skip_blank_space(next);
   }
 
-  bool parse_number(SBD_PARA_VALUE*& value) {
-    const char* const begin = m_next;
-    const int code = skip_number();
-    if (code == 0) return false;
-    const SBD_TOKEN_INFO number = token(begin);
+  const char* parse_number(const char* begin, SBD_PARA_VALUE*& value) {
+    int code = 0;
+    const char* next = skip_number(begin, code);
+    if (next == nullptr) return nullptr;
+    const SBD_TOKEN_INFO number = token(begin, next);
     value = sbd_do_para_value(code, &number);
-    const char* const digits_end = m_next;
-    if (sbd_is(*m_next, CC_LETTER)) {
-      value->unit = skip_unit();
-      if (value->unit == SBD_PARA_VALUE::QU_NONE) return false;
-      value->m_length = static_cast<std::uint32_t>(m_next - begin);
-      skip_blank_space();
-      return true;
+    const char* const digits_end = next;
+    if (sbd_is(*next, CC_LETTER)) {
+      next = skip_unit(next, value->unit);
+      if (next == nullptr) return nullptr;
+      value->m_length = static_cast<std::uint32_t>(next - begin);
+      return skip_blank_space(next);
     }
-    skip_blank_space();
-    m_is_unit = m_next == digits_end;
-    return true;
+    next = skip_blank_space(next);
+    m_is_unit = next == digits_end;
+    return next;
   }
 
-  // Skips a number and returns its token's code, or 0 where none stands.
-  int skip_number() {
-    const char* next = m_next;
-    const char sign = *next;
+  // A number, and its token's code.
+  static const char* skip_number(const char* begin, int& code) {
+    const char sign = *begin;
     const bool has_sign = sign == '+' || sign == '-';
-    if (has_sign) ++next;
-    const char* const digits = next;
-    while (sbd_is(*next, CC_DIGIT)) ++next;
+    const char* const digits = has_sign ? begin + 1 : begin;
+    const char* next = sbd_skip_digits(digits);
     if (*next == '.') {
       const bool has_digits_before = next != digits;
-      ++next;
-      const char* const decimals = next;
-      while (sbd_is(*next, CC_DIGIT)) ++next;
-      if (!has_digits_before && next == decimals) return 0;
-      m_next = next;
-      return SBD_TOK_FLOAT;
+      const char* const decimals = ++next;
+      next = sbd_skip_digits(next);
+      code = SBD_TOK_FLOAT;
+      return has_digits_before || next != decimals ? next : nullptr;
     }
-    if (next == digits) return 0;
-    if (digits[0] != '0') {
-      m_next = next;
-      return sign == '-' ? SBD_TOK_FLOAT : SBD_TOK_UDECIMAL;
-    }
-    return has_sign ? skip_signed_zero(next, sign) : skip_prefixed_number(next);
-  }
-
-  // A zero with a sign must be the whole number.
-  int skip_signed_zero(const char* end, char sign) {
-    if (end - m_next != 2) return 0;
-    m_next = end;
-    return sign == '-' ? SBD_TOK_FLOAT : SBD_TOK_UDECIMAL;
+    if (next == digits) return nullptr;
+    code = sign == '-' ? SBD_TOK_FLOAT : SBD_TOK_UDECIMAL;
+    if (digits[0] != '0') return next;
+    // A zero with a sign must be the whole number.
+    if (has_sign) return next == digits + 1 ? next : nullptr;
+    return skip_prefixed_number(begin, next, code);
   }
 
   // A number that begins with "0"; `end` is behind its decimal digits.
-  int skip_prefixed_number(const char* end) {
-    const char* next = m_next + 1;
+  static const char* skip_prefixed_number(const char* begin, const char* end, int& code) {
+    const char* next = begin + 1;
     if (end == next && (*next == 'x' || *next == 'X')) {
       const char* const digits = ++next;
-      while (sbd_is(*next, CC_DIGIT | CC_HEX_LETTER)) ++next;
-      m_next = next;
-      return next == digits ? 0 : SBD_TOK_HEXAL;
+      next = sbd_skip_hex_digits(next);
+      code = SBD_TOK_HEXAL;
+      return next == digits ? nullptr : next;
     }
     if (end == next && (*next == 'b' || *next == 'B')) {
       const char* const digits = ++next;
       while (*next == '0' || *next == '1') ++next;
-      m_next = next;
-      return next == digits ? 0 : SBD_TOK_BINARY;
+      code = SBD_TOK_BINARY;
+      return next == digits ? nullptr : next;
     }
+    if (end == next) return next;
     for (; next != end; ++next) {
-      if (*next > '7') return 0;
+      if (*next > '7') return nullptr;
     }
-    const bool is_octal = end - m_next > 1;
-    m_next = end;
-    return is_octal ? SBD_TOK_OCTAL : SBD_TOK_UDECIMAL;
+    code = SBD_TOK_OCTAL;
+    return next;
   }
 
-  // Skips a unit; QU_NONE where none stands. What follows the unit is the next token's affair.
-  SBD_PARA_VALUE::QUANTITY_UNIT skip_unit() {
-    const char c = m_next[0];
-    if (sbd_to_lower(c) == 'm' && sbd_to_lower(m_next[1]) == 'h' &&
-        sbd_to_lower(m_next[2]) == 'z') {
-      m_next += 3;
-      return SBD_PARA_VALUE::QU_MHZ;
+  // A unit. What follows it is the next token's affair.
+  static const char* skip_unit(const char* next, SBD_PARA_VALUE::QUANTITY_UNIT& unit) {
+    const char c = *next;
+    if (sbd_to_lower(c) == 'm' && sbd_to_lower(next[1]) == 'h' && sbd_to_lower(next[2]) == 'z') {
+      unit = SBD_PARA_VALUE::QU_MHZ;
+      return next + 3;
     }
-    if (sbd_to_lower(c) == 'h' && sbd_to_lower(m_next[1]) == 'z') {
-      m_next += 2;
-      return SBD_PARA_VALUE::QU_HZ;
+    if (sbd_to_lower(c) == 'h' && sbd_to_lower(next[1]) == 'z') {
+      unit = SBD_PARA_VALUE::QU_HZ;
+      return next + 2;
     }
-    if (c != 'K' && c != 'M' && c != 'G') return SBD_PARA_VALUE::QU_NONE;
-    m_next += m_next[1] == 'B' ? 2 : 1;
-    if (c == 'K') return SBD_PARA_VALUE::QU_KB;
-    return c == 'M' ? SBD_PARA_VALUE::QU_MB : SBD_PARA_VALUE::QU_GB;
+    if (c != 'K' && c != 'M' && c != 'G') return nullptr;
+    unit = c == 'K' ? SBD_PARA_VALUE::QU_KB
+                    : (c == 'M' ? SBD_PARA_VALUE::QU_MB : SBD_PARA_VALUE::QU_GB);
+    return next + (next[1] == 'B' ? 2 : 1);
   }
 
   // A list with all that is nested in it, and the blank space behind it.
-  bool parse_list(SBD_PARA_VALUE*& value) {
+  const char* parse_list(const char* next, SBD_PARA_VALUE*& value) {
     struct OPEN_LIST {
       const char* begin;
       std::size_t first_element;
@@ -448,46 +444,46 @@ class FAULTLESS_PARSER {
     SBD_SCRATCH<SBD_PARA_VALUE*, 64> elements;
     for (;;) {
       // In front of an element.
-      if (*m_next == '{') {
-        open_lists.push_back({m_next, elements.size()});
-        ++m_next;
-        skip_blank_space();
+      if (*next == '{') {
+        open_lists.push_back({next, elements.size()});
+        next = skip_blank_space(next + 1);
         continue;
       }
-      if (!parse_simple_value(value)) return false;
+      next = parse_simple_value(next, value);
+      if (next == nullptr) return nullptr;
       // Behind an element.
-      while (*m_next == '}') {
+      while (*next == '}') {
         elements.push_back(value);
         const OPEN_LIST open = open_lists.back();
         const std::size_t count = elements.size() - open.first_element;
-        if (count < 2) return false;
-        ++m_next;
+        if (count < 2) return nullptr;
+        ++next;
         m_is_tail = true;
         value = m_store.make<SBD_PARA_VALUE>();
         value->type = SBD_PARA_VALUE::VT_LIST;
         value->m_position = m_store.position_of(open.begin);
-        value->m_length = static_cast<std::uint32_t>(m_next - open.begin);
+        value->m_length = static_cast<std::uint32_t>(next - open.begin);
         value->list = m_store.make_list(elements.end() - count, count);
         elements.truncate(open.first_element);
         open_lists.pop_back();
         m_is_unit = false;
-        skip_blank_space();
-        if (open_lists.empty()) return true;
+        next = skip_blank_space(next);
+        if (open_lists.empty()) return next;
       }
-      if (*m_next != ',') return false;
+      if (*next != ',') return nullptr;
       elements.push_back(value);
-      ++m_next;
-      skip_blank_space();
+      next = skip_blank_space(next + 1);
     }
   }
 
-  const char* m_next;
   const char* const m_end;
   SBD_STORE& m_store;
   SBD_PARSER_PARA& m_para;
   std::uint32_t m_line = 1;
   bool m_is_tail = false;  // A "#" would be a tail comment: ";" or "}" came on this line.
   bool m_is_unit = false;  // The scanner still waits for the last number's unit.
+  const char* m_line_begin;
+  const char* m_next_mark;  // The first place whose line the source has not marked.
   MEMBER_LIST m_members;
   SBD_SCRATCH<OPEN_BLOCK, 16> m_open_blocks;
 };

@@ -21,6 +21,11 @@
 
 inline constexpr std::size_t k_run_step = 16;
 
+// The same as sbd_is(c, CC_BLANK), quick for what no blank space precedes.
+inline bool sbd_is_blank(char c) {
+  return static_cast<unsigned char>(c) <= ' ' && sbd_is(c, CC_BLANK);
+}
+
 #if SBD_HAS_SSE2
 
 inline __m128i sbd_load_step(const char* from) {
@@ -47,26 +52,67 @@ inline unsigned sbd_name_mask(__m128i bytes) {
   return sbd_mask_of(_mm_or_si128(_mm_or_si128(is_letter, is_digit), is_underscore));
 }
 
+inline unsigned sbd_digit_mask(__m128i bytes) {
+  return sbd_mask_of(sbd_in_range(bytes, '0', 10));
+}
+
+inline unsigned sbd_hex_digit_mask(__m128i bytes) {
+  const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
+  return sbd_mask_of(_mm_or_si128(sbd_in_range(bytes, '0', 10), sbd_in_range(lower, 'a', 6)));
+}
+
+inline unsigned sbd_quote_or_newline_mask(__m128i bytes) {
+  return sbd_mask_of(_mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('"')),
+                                  _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))));
+}
+
 inline constexpr unsigned k_whole_step = 0xFFFF;
 
 inline std::size_t sbd_first_clear_bit(unsigned mask) {
   return static_cast<std::size_t>(__builtin_ctz(~mask));
 }
 
-// Behind the letters, digits and underscores from `next` on.
-inline const char* sbd_skip_name(const char* next) {
+// Behind the bytes from `next` on that MASK_OF marks.
+template <unsigned (*MASK_OF)(__m128i)>
+const char* sbd_skip_run(const char* next) {
   for (;;) {
-    const unsigned mask = sbd_name_mask(sbd_load_step(next));
+    const unsigned mask = MASK_OF(sbd_load_step(next));
     if (mask != k_whole_step) return next + sbd_first_clear_bit(mask);
     next += k_run_step;
   }
 }
 
+// Behind the letters, digits and underscores from `next` on.
+inline const char* sbd_skip_name(const char* next) {
+  return sbd_skip_run<sbd_name_mask>(next);
+}
+
+inline const char* sbd_skip_digits(const char* next) {
+  return sbd_skip_run<sbd_digit_mask>(next);
+}
+
+inline const char* sbd_skip_hex_digits(const char* next) {
+  return sbd_skip_run<sbd_hex_digit_mask>(next);
+}
+
+// The first quotation mark or newline from `next` on; null if there is none before `end`.
+inline const char* sbd_find_quote_or_newline(const char* next, const char* end) {
+  while (next < end) {
+    const unsigned mask = sbd_quote_or_newline_mask(sbd_load_step(next));
+    if (mask != 0) {
+      next += sbd_first_clear_bit(~mask);
+      return next < end ? next : nullptr;
+    }
+    next += k_run_step;
+  }
+  return nullptr;
+}
+
 // Behind the blanks from `next` on. Tabs and carriage returns are rare and taken one by one.
 inline const char* sbd_skip_blanks(const char* next) {
-  if (!sbd_is(*next, CC_BLANK)) return next;
+  if (!sbd_is_blank(*next)) return next;
   ++next;
-  if (!sbd_is(*next, CC_BLANK)) return next;
+  if (!sbd_is_blank(*next)) return next;
   const __m128i blank = _mm_set1_epi8(' ');
   for (;;) {
     const unsigned mask = sbd_mask_of(_mm_cmpeq_epi8(sbd_load_step(next), blank));
@@ -75,7 +121,7 @@ inline const char* sbd_skip_blanks(const char* next) {
       continue;
     }
     next += sbd_first_clear_bit(mask);
-    if (!sbd_is(*next, CC_BLANK)) return next;
+    if (!sbd_is_blank(*next)) return next;
     ++next;
   }
 }
@@ -100,8 +146,25 @@ inline const char* sbd_skip_name(const char* next) {
   return next;
 }
 
+inline const char* sbd_skip_digits(const char* next) {
+  while (sbd_is(*next, CC_DIGIT)) ++next;
+  return next;
+}
+
+inline const char* sbd_skip_hex_digits(const char* next) {
+  while (sbd_is(*next, CC_DIGIT | CC_HEX_LETTER)) ++next;
+  return next;
+}
+
+inline const char* sbd_find_quote_or_newline(const char* next, const char* end) {
+  for (; next < end; ++next) {
+    if (*next == '"' || *next == '\n') return next;
+  }
+  return nullptr;
+}
+
 inline const char* sbd_skip_blanks(const char* next) {
-  while (sbd_is(*next, CC_BLANK)) ++next;
+  while (sbd_is_blank(*next)) ++next;
   return next;
 }
 

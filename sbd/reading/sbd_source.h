@@ -2,6 +2,7 @@
 #ifndef SBD_READING_SBD_SOURCE_H
 #define SBD_READING_SBD_SOURCE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -32,16 +33,28 @@ class SBD_SOURCE {
 
   std::string_view text() const { return {m_text, m_length}; }
 
-  // Tells of a newline, whose line has the number `line`; the reader calls it for each in order.
-  // Remembers in which line every so many bytes stand, so that no place is far from a known one.
-  void note_newline(const char* newline, std::uint32_t line) {
+  // A line that the reader is in.
+  struct LINE_START {
+    std::uint32_t number;
+    const char* begin;
+  };
+
+  // Remembers in which line every so many bytes stand, so that no place is far from a known one:
+  // for all up to `newline`, that is in `line`. Returns the first place that is still unmarked, and
+  // whose newline has to be told of next.
+  const char* mark_lines(const char* newline, LINE_START line) {
     const std::uint32_t offset = offset_of(newline);
     while (offset >= m_next_mark) {
-      m_marks.push_back({line, m_line_begin});
+      m_marks.push_back({line.number, offset_of(line.begin)});
       m_next_mark += k_bytes_per_mark;
     }
-    m_line_begin = offset + 1;
-    m_line = line + 1;
+    return m_text + std::min(m_next_mark, m_length);
+  }
+
+  // Tells of the line behind the last newline.
+  void set_last_line(LINE_START line) {
+    m_line = line.number;
+    m_line_begin = offset_of(line.begin);
   }
 
   std::uint32_t offset_of(const char* place) const {
@@ -62,7 +75,7 @@ class SBD_SOURCE {
   std::size_t m_length = 0;
   SBD_SCRATCH<LINE, 8> m_marks;    // The lines in which bytes 0, 2048, ... stand.
   std::size_t m_next_mark = 0;     // Offset of the first byte without mark.
-  std::uint32_t m_line = 1;        // The line behind the last newline told of,
+  std::uint32_t m_line = 1;        // The line behind the last newline,
   std::uint32_t m_line_begin = 0;  // and where it begins.
 };
 
