@@ -127,7 +127,7 @@ class KEPT_BLOCKS {
     }
     if (m_count == m_blocks.size()) free_memory(remove(0));
     free_all_beyond(m_limit - block->size);
-    offer_pages(block);
+    if (m_size + block->size > k_least_offered) offer_pages(block);
     m_blocks[m_count++] = block;
     m_size += block->size;
   }
@@ -146,6 +146,8 @@ class KEPT_BLOCKS {
  private:
   static constexpr std::size_t k_most_blocks = 64;
   static constexpr std::size_t k_default_limit = std::size_t{256} << 20;
+  // Offering pages takes time, too: it begins when more than this is kept.
+  static constexpr std::size_t k_least_offered = std::size_t{32} << 20;
 
   // Frees the oldest until no more than `limit` bytes are left.
   void free_all_beyond(std::size_t limit) noexcept {

@@ -10,31 +10,31 @@
 #include <string_view>
 
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_run.h"
 
-// One step of the PJW hash over lower-cased characters; bytes above 0x7f count as negative.
+// One step of the PJW hash over a lower-case character; bytes above 0x7f count as negative.
 inline std::uint32_t sbd_hash_pjw_step(std::uint32_t hash, char c) {
-  hash = (hash << 4) + static_cast<std::uint32_t>(
-                           static_cast<std::int32_t>(static_cast<signed char>(sbd_to_lower(c))));
+  hash = (hash << 4) +
+         static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
   // The highest four bits go, and are felt in bits 4 to 7.
   return (hash & 0x0FFFFFFFU) ^ ((hash >> 24) & 0xF0U);
 }
 
 inline std::uint32_t sbd_hash_pjw(std::string_view name) {
   std::uint32_t hash = 0;
-  for (const char c : name) hash = sbd_hash_pjw_step(hash, c);
+  for (const char c : name) hash = sbd_hash_pjw_step(hash, sbd_to_lower(c));
   return hash;
 }
 
-// The same for a name of the scanner's: ASCII only. Six characters do not reach the highest bits,
-// and need not wait for each other.
-inline std::uint32_t sbd_hash_pjw_ascii(std::string_view name) {
-  constexpr std::size_t k_free_steps = 6;
-  const std::size_t head = name.size() < k_free_steps ? name.size() : k_free_steps;
+// The same for a name behind which a step can be read, whatever stands there.
+inline std::uint32_t sbd_hash_pjw_padded(std::string_view name) {
   std::uint32_t hash = 0;
-  for (std::size_t i = 0; i != head; ++i) {
-    hash += static_cast<std::uint32_t>(sbd_to_lower(name[i])) << (4 * (head - 1 - i));
+  for (std::size_t done = 0; done < name.size(); done += k_run_step) {
+    char lower[k_run_step];
+    sbd_lower_step(name.data() + done, lower);
+    const std::size_t count = std::min(name.size() - done, k_run_step);
+    for (std::size_t i = 0; i != count; ++i) hash = sbd_hash_pjw_step(hash, lower[i]);
   }
-  for (std::size_t i = head; i != name.size(); ++i) hash = sbd_hash_pjw_step(hash, name[i]);
   return hash;
 }
 
@@ -50,8 +50,9 @@ inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
   return ((hash >> 32) | (hash << 32)) * k_multiplier_2;
 }
 
-inline std::uint64_t sbd_load_word(const void* from) {
-  std::uint64_t word = 0;
+template <class WORD = std::uint64_t>
+std::uint64_t sbd_load_word(const void* from) {
+  WORD word = 0;
   std::memcpy(&word, from, sizeof word);
   return word;
 }
@@ -66,15 +67,38 @@ inline std::uint64_t sbd_hash_step(std::uint64_t hash, std::uint64_t low, std::u
   return sbd_hash_mix(sbd_hash_mix(hash, low | k_case_bits), high | k_case_bits);
 }
 
+// Up to eight bytes, filled up with zeros, in the order in which the machine would load eight.
+inline std::uint64_t sbd_load_part(const char* from, std::size_t count) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  // In pieces that may overlap, since copying a few bytes one by one takes longer.
+  if (count >= 8) return sbd_load_word(from);
+  if (count >= 4) {
+    return sbd_load_word<std::uint32_t>(from) | sbd_load_word<std::uint32_t>(from + count - 4)
+                                                    << (8 * (count - 4));
+  }
+  if (count == 0) return 0;
+  const std::size_t middle = count / 2;
+  return sbd_load_word<std::uint8_t>(from) |
+         sbd_load_word<std::uint8_t>(from + middle) << (8 * middle) |
+         sbd_load_word<std::uint8_t>(from + count - 1) << (8 * (count - 1));
+#else
+  std::uint64_t word = 0;
+  std::memcpy(&word, from, std::min<std::size_t>(count, 8));
+  return word;
+#endif
+}
+
 // Our own hash of a name, letter case aside.
 inline std::uint64_t sbd_hash_name(std::string_view name, std::uint64_t seed = k_hash_seed) {
   std::uint64_t hash = seed ^ name.size();
-  for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
-    char step[k_hash_step] = {};
-    std::memcpy(step, name.data() + done, std::min(name.size() - done, k_hash_step));
-    hash = sbd_hash_step(hash, sbd_load_word(step), sbd_load_word(step + 8));
+  const char* next = name.data();
+  std::size_t left = name.size();
+  for (; left > k_hash_step; left -= k_hash_step, next += k_hash_step) {
+    hash = sbd_hash_step(hash, sbd_load_word(next), sbd_load_word(next + 8));
   }
-  return hash;
+  if (left == 0) return hash;
+  return sbd_hash_step(hash, sbd_load_part(next, left),
+                       left > 8 ? sbd_load_part(next + 8, left - 8) : 0);
 }
 
 // The same for a name behind which a step can be read, whatever stands there.

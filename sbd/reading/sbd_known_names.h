@@ -28,15 +28,10 @@ class SBD_KNOWN_NAMES {
            sbd_equal_bytes(slot.text, name.data(), name.size());
   }
 
-  void put(NAME& slot, std::uint64_t hash, std::string_view name, char* text, std::size_t bucket) {
-    m_is_empty = false;
+  static void put(NAME& slot, std::uint64_t hash, std::string_view name, char* text,
+                  std::size_t bucket) {
     slot = {text, static_cast<std::uint32_t>(name.size()), check_of(hash),
             static_cast<std::uint16_t>(bucket)};
-  }
-
-  void clear() noexcept {
-    if (!m_is_empty) m_slots.fill({});
-    m_is_empty = true;
   }
 
  private:
@@ -47,7 +42,6 @@ class SBD_KNOWN_NAMES {
   }
 
   std::array<NAME, k_slot_count> m_slots{};
-  bool m_is_empty = true;
 };
 
 #endif

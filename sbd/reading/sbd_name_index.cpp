@@ -29,24 +29,24 @@ std::uint64_t make_seed() noexcept {
 
 const std::uint64_t k_hash_seed = make_seed();
 
-// Open addressing; as many slots as a power of two, at least a third of them empty.
+// Open addressing; a third of the slots stay empty.
 struct SBD_NAME_INDEX::SCOPE_TABLE {
-  std::uint32_t mask;
+  std::uint32_t capacity;
   SBD_SYMBOL* slots[1];
 
   static SCOPE_TABLE* make(std::size_t count, SBD_POOL& pool) {
-    std::size_t capacity = 4;
-    while (capacity * 2 < count * 3) capacity *= 2;
+    const std::size_t capacity = count + count / 2 + 1;
     const std::size_t size = sizeof(SCOPE_TABLE) + (capacity - 1) * sizeof(SBD_SYMBOL*);
     auto* table = static_cast<SCOPE_TABLE*>(pool.take(size));
-    table->mask = static_cast<std::uint32_t>(capacity - 1);
+    table->capacity = static_cast<std::uint32_t>(capacity);
     std::fill_n(table->slots, capacity, nullptr);
     return table;
   }
 
   // The slot of that name, or the empty one where it would be.
   SBD_SYMBOL** find_slot(std::uint32_t hash, std::uint16_t tag, std::string_view name) {
-    for (std::uint32_t index = hash & mask;; index = (index + 1) & mask) {
+    for (auto index = static_cast<std::size_t>((std::uint64_t{hash} * capacity) >> 32);;
+         index = index + 1 == capacity ? 0 : index + 1) {
       SBD_SYMBOL* const symbol = slots[index];
       if (symbol == nullptr) return &slots[index];
       if (symbol->m_tag == tag && sbd_equal_ignoring_case(symbol->name, name)) {

@@ -70,19 +70,23 @@ DECLARATION<CONTENT> make_declaration(const SBD_TOKEN_INFO* name) {
   return {&records->node, &records->content, &records->symbol};
 }
 
+bool is_being_read(const SBD_TOKEN_INFO& token) {
+  return token.origin != nullptr && token.origin->reading != nullptr;
+}
+
 // Enters a symbol of the reader's, which has all but its name.
 void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
                        SBD_SYMBOL_TABLE& symbol_table) {
-  SBD_STORE& store = *name.origin;
   const std::uint64_t hash = sbd_hash_padded_name(name.text);
-  SBD_KNOWN_NAMES::NAME& known = store.known_names.slot_of(hash);
+  SBD_STORE& store = *name.origin;
+  SBD_KNOWN_NAMES::NAME& known = store.reading->known_names.slot_of(hash);
   if (!SBD_KNOWN_NAMES::is_known(known, hash, name.text)) {
-    store.known_names.put(known, hash, name.text, store.copy(name.text),
-                          sbd_hash_pjw_ascii(name.text) % SBD_SYMBOL_TABLE::k_bucket_count);
+    SBD_KNOWN_NAMES::put(known, hash, name.text, store.copy(name.text),
+                         sbd_hash_pjw_padded(name.text) % SBD_SYMBOL_TABLE::k_bucket_count);
   }
   symbol->name = known.text;
   symbol->m_tag = sbd_name_tag(hash);
-  store.open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
+  store.reading->open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
   SBD_SYMBOL*& head = symbol_table[known.bucket];
   symbol->next = head;
   head = symbol;
@@ -100,7 +104,7 @@ SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL* symbol, SBD_SYMBOL::SYMBOL_TYPE type, S
   symbol->line = name.line;
   symbol->type = type;
   symbol->node = node;
-  if (name.origin != nullptr) {
+  if (is_being_read(name)) {
     enter_read_symbol(symbol, name, symbol_table);
   } else {
     symbol->name = copy_token_text(name);

@@ -1,5 +1,6 @@
 #include "sbd/reading/sbd_parser_fast.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "sbd/reading/sbd_chars.h"
@@ -57,6 +58,7 @@ class FAULTLESS_PARSER {
   FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para)
       : m_end(text.data() + text.size()),
         m_store(store),
+        m_state(*store.reading),
         m_para(para),
         m_line_begin(text.data()),
         m_next_mark(text.data()) {}
@@ -186,7 +188,7 @@ class FAULTLESS_PARSER {
     next = skip_blank_space(next);
     if (*next != '{') return nullptr;
     m_open_blocks.push_back({type, name, m_members});
-    m_members = {nullptr, nullptr, 0, m_store.open_members.size()};
+    m_members = {nullptr, nullptr, 0, m_state.open_members.size()};
     return next + 1;
   }
 
@@ -202,7 +204,7 @@ class FAULTLESS_PARSER {
     node->block->m_end_position = m_store.source.offset_of(next);
 
     // The block's own name was entered last; it belongs to the scope around the block.
-    auto& names = m_store.open_members;
+    auto& names = m_state.open_members;
     const SBD_OPEN_MEMBER own_name = names.back();
     names.pop_back();
     close_scope(node);
@@ -220,7 +222,7 @@ class FAULTLESS_PARSER {
 
   // Takes the innermost open scope's names from the open ones.
   void close_scope(SBD_NODE* block) {
-    auto& names = m_store.open_members;
+    auto& names = m_state.open_members;
     const SBD_OPEN_MEMBER* const first = names.begin() + m_members.first_name;
     if (m_store.facts.gives_parents) {
       for (const SBD_OPEN_MEMBER* name = first; name != names.end(); ++name) {
@@ -478,6 +480,7 @@ class FAULTLESS_PARSER {
 
   const char* const m_end;
   SBD_STORE& m_store;
+  SBD_READING_STATE& m_state;
   SBD_PARSER_PARA& m_para;
   std::uint32_t m_line = 1;
   bool m_is_tail = false;  // A "#" would be a tail comment: ";" or "}" came on this line.
@@ -488,11 +491,37 @@ class FAULTLESS_PARSER {
   SBD_SCRATCH<OPEN_BLOCK, 16> m_open_blocks;
 };
 
+// Lends the store what reading needs.
+class READING {
+ public:
+  explicit READING(SBD_STORE& store) : m_store(store) { m_store.reading = &m_state; }
+  ~READING() { m_store.reading = nullptr; }
+  READING(const READING&) = delete;
+  READING& operator=(const READING&) = delete;
+
+ private:
+  SBD_STORE& m_store;
+  SBD_READING_STATE m_state;
+};
+
+// How much memory the records of a text are going to take, as its beginning has it.
+std::size_t estimate_records(std::string_view text) {
+  constexpr std::size_t k_longest_sample = 255 * k_run_step;
+  constexpr std::size_t k_bytes_per_statement = 136;
+  const std::size_t sample =
+      std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
+  if (sample == 0) return 0;
+  const std::size_t statements = sbd_count_in_steps(text.data(), sample, ';');
+  // Blocks and comments are in proportion to the text; names are new at its beginning.
+  const std::size_t bytes = statements * k_bytes_per_statement + sample / 2;
+  const double share = static_cast<double>(text.size()) / static_cast<double>(sample);
+  return static_cast<std::size_t>(static_cast<double>(bytes) * share) + sample * 3 / 4;
+}
+
 }  // namespace
 
 bool sbd_parse_faultless(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para) {
-  // Records take about three times the room of the text that they are made from.
-  constexpr std::size_t k_record_bytes_per_byte = 3;
-  store.pool.reserve(text.size() * k_record_bytes_per_byte);
+  store.pool.reserve(estimate_records(text));
+  const READING reading(store);
   return FAULTLESS_PARSER(text, store, para).parse();
 }

@@ -6,7 +6,7 @@
 
 void SBD_POOL::add_chunk(std::size_t least) {
   // Chunks grow with the pool, so that their number stays small for any document.
-  const std::size_t room = std::max({least, m_size / 4, k_least_chunk});
+  const std::size_t room = std::max({least, m_size / 8, k_least_chunk});
   const std::size_t size = sizeof(CHUNK) + room + k_slack;
   auto* memory = SBD_ALLOCATOR<char>().allocate(size);
   m_chunks = ::new (memory) CHUNK{m_chunks, memory + size};

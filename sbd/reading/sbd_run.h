@@ -5,6 +5,7 @@
 #ifndef SBD_READING_SBD_RUN_H
 #define SBD_READING_SBD_RUN_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -126,6 +127,26 @@ inline const char* sbd_skip_blanks(const char* next) {
   }
 }
 
+// How often `wanted` stands among the first `size` bytes, a multiple of a step up to 255 steps.
+inline std::size_t sbd_count_in_steps(const char* text, std::size_t size, char wanted) {
+  const __m128i pattern = _mm_set1_epi8(wanted);
+  __m128i counts = _mm_setzero_si128();
+  for (std::size_t done = 0; done != size; done += k_run_step) {
+    // A match is -1.
+    counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(sbd_load_step(text + done), pattern));
+  }
+  const __m128i halves = _mm_sad_epu8(counts, _mm_setzero_si128());
+  return static_cast<std::size_t>(_mm_cvtsi128_si32(halves)) +
+         static_cast<std::size_t>(_mm_extract_epi16(halves, 4));
+}
+
+// The 16 bytes at `from` in lower case.
+inline void sbd_lower_step(const char* from, char* to) {
+  const __m128i bytes = sbd_load_step(from);
+  const __m128i case_bits = _mm_and_si128(sbd_in_range(bytes, 'A', 26), _mm_set1_epi8(0x20));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_or_si128(bytes, case_bits));
+}
+
 // Whether `size` bytes are the same.
 inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size) {
   while (size > k_run_step) {
@@ -166,6 +187,14 @@ inline const char* sbd_find_quote_or_newline(const char* next, const char* end) 
 inline const char* sbd_skip_blanks(const char* next) {
   while (sbd_is_blank(*next)) ++next;
   return next;
+}
+
+inline std::size_t sbd_count_in_steps(const char* text, std::size_t size, char wanted) {
+  return static_cast<std::size_t>(std::count(text, text + size, wanted));
+}
+
+inline void sbd_lower_step(const char* from, char* to) {
+  for (std::size_t i = 0; i != k_run_step; ++i) to[i] = sbd_to_lower(from[i]);
 }
 
 inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size) {

@@ -131,11 +131,9 @@ void SBD_STORE::drop_references_of(SBD_NODE* node) noexcept {
 
 void SBD_STORE::clear_records() noexcept {
   names.clear();
-  known_names.clear();
   node_links.clear();
   symbol_links.clear();
   facts.clear();
-  open_members.release();
   pool.release();
   last_root = nullptr;
   has_foreign = false;

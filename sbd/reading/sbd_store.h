@@ -35,6 +35,12 @@ struct SBD_PARSE_FACTS {
   }
 };
 
+// What the parser keeps while it builds a tree, and nobody needs afterwards.
+struct SBD_READING_STATE {
+  SBD_KNOWN_NAMES known_names;
+  SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // The names whose scope is open.
+};
+
 class SBD_STORE {
  public:
   using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
@@ -125,12 +131,11 @@ class SBD_STORE {
   SBD_POOL pool;
   SBD_SOURCE source;
   SBD_NAME_INDEX names;
-  SBD_KNOWN_NAMES known_names;  // While reading.
   SBD_BACK_LINKS<SBD_NODE> node_links;
   SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;
   SBD_PARSE_FACTS facts;
-  SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // While reading: names whose scope is open.
-  SBD_NODE* last_root = nullptr;                  // Last top-level node, as far as known.
+  SBD_READING_STATE* reading = nullptr;  // While the parser builds the tree.
+  SBD_NODE* last_root = nullptr;         // Last top-level node, as far as known.
   bool has_foreign = false;  // Something in the tree or the table lies outside the pool.
   bool has_reference_counts = true;
 
