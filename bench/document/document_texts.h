@@ -19,8 +19,11 @@ std::string make_xml_text(std::size_t parameter_count);
 std::string make_libconfig_text(std::size_t parameter_count);
 std::string make_toml_text(std::size_t parameter_count);
 
-// The full names of `sample` parameters, evenly spread over the document, in random order.
-std::vector<std::string> make_parameter_names(std::size_t parameter_count, std::size_t sample);
+// The full names of all parameters, in file order.
+std::vector<std::string> make_parameter_names(std::size_t parameter_count);
+
+// The full names of at most `sample` parameters that are whole numbers, in random order.
+std::vector<std::string> make_number_names(std::size_t parameter_count, std::size_t sample);
 
 // A name as the other formats can spell it: "region[0]" becomes "region_0".
 std::string plain_name(std::string_view name);

@@ -4,6 +4,9 @@
 
 namespace {
 
+constexpr TEXT_SINK::VALUE_STYLE INDENTED_STYLE = {", ", false, false};
+constexpr TEXT_SINK::VALUE_STYLE COMPACT_STYLE = {",", false, false};
+
 class JSON_TEXT_SINK : public TEXT_SINK {
  public:
   explicit JSON_TEXT_SINK(bool is_compact) : m_is_compact(is_compact) { open(); }
@@ -16,7 +19,7 @@ class JSON_TEXT_SINK : public TEXT_SINK {
   void add_parameter(std::string_view name, const GENERATED_VALUE& value,
                      std::string_view) override {
     begin_member(name);
-    add_value(value);
+    add_plain_value(value, m_is_compact ? COMPACT_STYLE : INDENTED_STYLE);
   }
 
   void end_block() override { close(); }
@@ -52,37 +55,6 @@ class JSON_TEXT_SINK : public TEXT_SINK {
     break_line();
     add_quoted(plain_name(name));
     m_text += m_is_compact ? ":" : ": ";
-  }
-
-  void add_value(const GENERATED_VALUE& value) {
-    const std::string_view separator = m_is_compact ? "," : ", ";
-    switch (value.kind) {
-      case GENERATED_VALUE::DECIMAL:
-      case GENERATED_VALUE::HEXADECIMAL:
-        add_number(value.scaled_number());
-        break;
-      case GENERATED_VALUE::TENTHS:
-        add_tenths(value.number);
-        break;
-      case GENERATED_VALUE::BOOLEAN:
-        m_text += value.number != 0 ? "true" : "false";
-        break;
-      case GENERATED_VALUE::WORD:
-      case GENERATED_VALUE::TEXT:
-        add_quoted(value.text);
-        break;
-      case GENERATED_VALUE::LIST:
-        m_text += '[';
-        add_joined(value.elements, separator, [this](std::uint64_t item) { add_number(item); });
-        m_text += ']';
-        break;
-      case GENERATED_VALUE::REFERENCES:
-        if (value.names.size() > 1) m_text += '[';
-        add_joined(value.names, separator,
-                   [this](const std::string& name) { add_quoted(plain_name(name)); });
-        if (value.names.size() > 1) m_text += ']';
-        break;
-    }
   }
 
   const bool m_is_compact;

@@ -1,14 +1,6 @@
-#include <cstdio>
-
 #include "bench/document/document_generator.h"
 #include "bench/document/document_texts.h"
 #include "bench/document/text_sink.h"
-
-void TEXT_SINK::add_hexadecimal(std::uint64_t number) {
-  char digits[24];
-  std::snprintf(digits, sizeof digits, "0x%08llX", static_cast<unsigned long long>(number));
-  m_text += digits;
-}
 
 namespace {
 

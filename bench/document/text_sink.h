@@ -12,6 +12,13 @@
 
 class TEXT_SINK : public DOCUMENT_SINK {
  public:
+  // How a format without units writes values.
+  struct VALUE_STYLE {
+    std::string_view separator;  // Between the elements of a list.
+    bool has_hexadecimal;        // Otherwise such numbers are written in decimal.
+    bool marks_large;            // An "L" behind numbers of more than 31 bits.
+  };
+
   std::string take_text() { return std::move(m_text); }
 
  protected:
@@ -19,6 +26,7 @@ class TEXT_SINK : public DOCUMENT_SINK {
   void add_quoted(std::string_view text) { ((m_text += '"') += text) += '"'; }
   void add_number(std::uint64_t number) { m_text += std::to_string(number); }
   void add_hexadecimal(std::uint64_t number);
+  void add_plain_value(const GENERATED_VALUE& value, const VALUE_STYLE& style);
   void add_tenths(std::uint64_t tenths) {
     add_number(tenths / 10);
     m_text += '.';

@@ -1,5 +1,8 @@
 #include <rapidjson/document.h>
+#include <rapidjson/filewritestream.h>
+#include <rapidjson/prettywriter.h>
 
+#include <algorithm>
 #include <string_view>
 
 #include "bench/document/document_texts.h"
@@ -28,9 +31,20 @@ const rapidjson::Value* find(const rapidjson::Document& document, std::string_vi
   }
 }
 
+std::string text_of(const rapidjson::Value& value) {
+  if (value.IsBool()) return value.GetBool() ? "true" : "false";
+  if (value.IsString()) return value.GetString();
+  if (value.IsNumber()) return number_text(value.GetDouble());
+  std::vector<std::string> elements;
+  for (const rapidjson::Value& element : value.GetArray()) elements.push_back(text_of(element));
+  return list_text(elements);
+}
+
 class RAPIDJSON_READER : public READER {
  public:
   explicit RAPIDJSON_READER(bool is_compact) : m_is_compact(is_compact) {}
+
+  std::string library() const override { return std::string(NAME) + " " RAPIDJSON_VERSION_STRING; }
 
   std::string make_text(std::size_t parameter_count) const override {
     return m_is_compact ? make_compact_json_text(parameter_count) : make_json_text(parameter_count);
@@ -43,13 +57,30 @@ class RAPIDJSON_READER : public READER {
 
   void keep(const std::string& text) override { read(m_document, text); }
 
-  std::size_t look_up(const std::vector<std::string>& names) const override {
-    std::size_t found = 0;
+  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+    std::uint64_t sum = 0;
     for (const std::string& name : names) {
       const rapidjson::Value* const value = find(m_document, name);
-      found += value != nullptr && value->IsUint64();
+      if (value != nullptr && value->IsUint64()) sum += value->GetUint64();
     }
-    return found;
+    return sum;
+  }
+
+  void write(std::FILE* stream) const override {
+    char buffer[65536];
+    rapidjson::FileWriteStream out(stream, buffer, sizeof buffer);
+    if (m_is_compact) {
+      rapidjson::Writer<rapidjson::FileWriteStream> writer(out);
+      m_document.Accept(writer);
+    } else {
+      rapidjson::PrettyWriter<rapidjson::FileWriteStream> writer(out);
+      m_document.Accept(writer);
+    }
+  }
+
+  std::string value_text(const std::string& name) const override {
+    const rapidjson::Value* const value = find(m_document, name);
+    return value != nullptr ? text_of(*value) : "";
   }
 
  private:

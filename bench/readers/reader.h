@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,6 +12,9 @@
 class READER {
  public:
   virtual ~READER() = default;
+
+  // Its name with its version.
+  virtual std::string library() const = 0;
 
   virtual std::string make_text(std::size_t parameter_count) const = 0;
 
@@ -20,9 +24,16 @@ class READER {
   // Keeps the document of the text for what follows.
   virtual void keep(const std::string& text) = 0;
 
-  // Looks every parameter up by its dotted name (see plain_name for libraries other than ours) and
-  // returns how many there are; each one's value is fetched in its own type.
-  virtual std::size_t look_up(const std::vector<std::string>& names) const = 0;
+  // Looks whole numbers up by their dotted names; returns their sum. The names are plain ones (see
+  // plain_name) for all libraries but ours.
+  virtual std::uint64_t look_up(const std::vector<std::string>& names) const = 0;
+
+  // Writes the document in the library's own indented layout.
+  virtual void write(std::FILE* stream) const = 0;
+
+  // The value of a parameter in a form that is the same for all libraries: numbers with one
+  // decimal, texts without quotes, lists as "[a, b]"; "" when there is none.
+  virtual std::string value_text(const std::string& name) const = 0;
 };
 
 std::unique_ptr<READER> make_sbd_reader();
@@ -32,6 +43,10 @@ std::unique_ptr<READER> make_simdjson_reader();
 std::unique_ptr<READER> make_pugixml_reader();
 std::unique_ptr<READER> make_libconfig_reader();
 std::unique_ptr<READER> make_toml_reader();
+
+// Forms of value_text.
+std::string number_text(double number);
+std::string list_text(const std::vector<std::string>& elements);
 
 // Ends the program: a reader refused what it was given, so nothing measured would mean anything.
 [[noreturn]] void stop_measuring(const char* reader, const std::string& reason);
