@@ -1,5 +1,6 @@
 #include "bench/measure/comparison.h"
 
+#include <malloc.h>
 #include <time.h>
 
 #include <algorithm>
@@ -22,13 +23,13 @@ double now(MEASUREMENT::CLOCK clock) {
 
 struct SUBJECT {
   const MEASUREMENT& measurement;
-  OPERATION operation;
+  STAGE stage;
   std::size_t repetitions = 1;
   std::vector<double> seconds_per_unit;
 
   double run() const {
     const double begin = now(measurement.clock);
-    for (std::size_t i = 0; i < repetitions; i++) operation();
+    for (std::size_t i = 0; i < repetitions; i++) stage.operation();
     return now(measurement.clock) - begin;
   }
 
@@ -42,7 +43,7 @@ struct SUBJECT {
   }
 
   void take_sample() {
-    seconds_per_unit.push_back(run() / static_cast<double>(repetitions) / measurement.units);
+    seconds_per_unit.push_back(run() / static_cast<double>(repetitions) / stage.units);
   }
 };
 
@@ -72,23 +73,29 @@ double compute(const FIGURE& figure, const std::vector<SUBJECT>& subjects) {
   return median(std::move(values));
 }
 
-}  // namespace
-
-void run_comparison(const COMPARISON& comparison, std::vector<RESULT>& results) {
-  std::fprintf(stderr, "%s ...\n", comparison.name.c_str());
-  std::vector<SUBJECT> subjects = prepare_subjects(comparison);
+void run_rounds(std::vector<SUBJECT>& subjects) {
   const double begin = now(MEASUREMENT::WALL_TIME);
   for (std::size_t round = 0; round < MOST_ROUNDS; round++) {
     const bool is_time_over = now(MEASUREMENT::WALL_TIME) - begin > SECONDS_FOR_ROUNDS;
     if (round >= LEAST_ROUNDS && is_time_over) break;
     for (SUBJECT& subject : subjects) subject.take_sample();
   }
+}
+
+}  // namespace
+
+void run_comparison(const COMPARISON& comparison, std::vector<RESULT>& results) {
+  std::fprintf(stderr, "%s\n", comparison.name.c_str());
+  // What an earlier comparison left of the heap must not help or hinder this one.
+  malloc_trim(0);
+  std::vector<SUBJECT> subjects = prepare_subjects(comparison);
+  run_rounds(subjects);
   for (const SUBJECT& subject : subjects) {
-    std::fprintf(stderr, "  %-32s %10.2f ns per unit\n", subject.measurement.name.c_str(),
+    std::fprintf(stderr, "  %-36s %14.2f ns per unit\n", subject.measurement.name.c_str(),
                  1e9 * median(subject.seconds_per_unit));
   }
   for (const FIGURE& figure : comparison.figures) {
-    results.push_back(
-        {figure.subject, figure.size, compute(figure, subjects), figure.limit, figure.unit});
+    results.push_back({figure.subject, figure.size, compute(figure, subjects), figure.limit});
   }
+  if (comparison.count) comparison.count(results);
 }

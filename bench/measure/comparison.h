@@ -14,21 +14,24 @@
 
 using OPERATION = std::function<void()>;
 
+// What is timed, with all that it works on.
+struct STAGE {
+  OPERATION operation;
+  double units = 1;  // What one run is divided by: parameters, lookups, bytes ...
+};
+
 struct MEASUREMENT {
   enum CLOCK { CPU_TIME, WALL_TIME };
 
-  std::string name;  // "read/sbd/1000"
-  double units;      // What one run is divided by: parameters, lookups, bytes ...
-
-  // Sets the stage and returns what is timed. The stage lives as long as the operation.
-  std::function<OPERATION()> prepare;
+  std::string name;  // "read/sbd/10^3"
+  std::function<STAGE()> prepare;
 
   CLOCK clock = CPU_TIME;  // CPU time of the calling thread, or time on the wall for processes.
 };
 
 // A line of the table.
 struct FIGURE {
-  std::string subject;                         // "read + checks + free / RapidJSON"
+  std::string subject;                         // "read / RapidJSON"
   std::string size;                            // "10^3"; may be empty
   std::size_t measured;                        // Index of the measurement that is judged,
   std::size_t against;                         // and of the one it is divided by.
@@ -36,13 +39,6 @@ struct FIGURE {
 
   // How the figure follows from the seconds per unit of the two; a ratio when empty.
   std::function<double(double measured, double against)> compute = nullptr;
-  std::string unit = "x";
-};
-
-struct COMPARISON {
-  std::string name;  // "read/1000"
-  std::vector<MEASUREMENT> measurements;
-  std::vector<FIGURE> figures;
 };
 
 struct RESULT {
@@ -50,10 +46,20 @@ struct RESULT {
   std::string size;
   double value;
   std::optional<double> limit;
-  std::string unit;
+
+  bool is_missed() const { return limit && !(value <= *limit); }
 };
 
-// Runs the comparison and appends the results of its figures.
+struct COMPARISON {
+  std::string name;  // "read/10^3"
+  std::vector<MEASUREMENT> measurements;
+  std::vector<FIGURE> figures;
+
+  // Appends figures that are counted rather than timed; may be empty.
+  std::function<void(std::vector<RESULT>&)> count = nullptr;
+};
+
+// Runs the comparison and appends the results of its figures. Times go to standard error.
 void run_comparison(const COMPARISON& comparison, std::vector<RESULT>& results);
 
 #endif

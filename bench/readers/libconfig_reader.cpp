@@ -56,6 +56,15 @@ class LIBCONFIG_READER : public READER {
     read(config, text);
   }
 
+  void read_file_and_free(const char* path) const override {
+    libconfig::Config config;
+    try {
+      config.readFile(path);
+    } catch (const libconfig::ConfigException& fault) {
+      stop_measuring(NAME, fault.what());
+    }
+  }
+
   void keep(const std::string& text) override { read(m_config, text); }
 
   std::uint64_t look_up(const std::vector<std::string>& names) const override {

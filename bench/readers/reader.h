@@ -21,6 +21,9 @@ class READER {
   // Builds a document from the text and destroys it again.
   virtual void read_and_free(const std::string& text) const = 0;
 
+  // The same from a file, as the library itself reads files.
+  virtual void read_file_and_free(const char* path) const = 0;
+
   // Keeps the document of the text for what follows.
   virtual void keep(const std::string& text) = 0;
 

@@ -52,6 +52,11 @@ class SBD_READER : public READER {
     read(document, text);
   }
 
+  void read_file_and_free(const char* path) const override {
+    SBD_FILE_PARSER document;
+    if (!document.read(path)) stop_measuring(NAME, "read");
+  }
+
   void keep(const std::string& text) override { read(m_document, text); }
 
   std::uint64_t look_up(const std::vector<std::string>& names) const override {

@@ -38,6 +38,14 @@ class TOML_READER : public READER {
 
   void read_and_free(const std::string& text) const override { parse(text); }
 
+  void read_file_and_free(const char* path) const override {
+    try {
+      const toml::table table = toml::parse_file(path);
+    } catch (const toml::parse_error& fault) {
+      stop_measuring(NAME, std::string(fault.description()));
+    }
+  }
+
   void keep(const std::string& text) override { m_table = parse(text); }
 
   std::uint64_t look_up(const std::vector<std::string>& names) const override {
