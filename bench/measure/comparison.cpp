@@ -42,7 +42,10 @@ struct SUBJECT {
     }
   }
 
+  // An untimed run comes first: it clears up what the subject before left in the heap and the
+  // caches, so that each subject pays for its own doings only.
   void take_sample() {
+    stage.operation();
     seconds_per_unit.push_back(run() / static_cast<double>(repetitions) / stage.units);
   }
 };
