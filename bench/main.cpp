@@ -1,12 +1,12 @@
 // Measures the library beside others and prints the ratios.
 //
 // Everything that is measured is also known to Google Benchmark, which takes over when it is given
-// one of its own options, such as --benchmark_filter=read/.*
+// one of its own options, such as --benchmark_filter=read/
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstring>
 #include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,11 +47,12 @@ void run_under_benchmark(benchmark::State& state, const MEASUREMENT& measurement
 }
 
 int run_google_benchmark(int argc, char** argv, const std::vector<COMPARISON>& comparisons) {
+  std::set<std::string> names;
   for (const COMPARISON& comparison : comparisons) {
     for (const MEASUREMENT& measurement : comparison.measurements) {
-      const std::string name = comparison.name + ":" + measurement.name;
+      if (!names.insert(measurement.name).second) continue;
       auto* const registered = benchmark::RegisterBenchmark(
-          name.c_str(),
+          measurement.name.c_str(),
           [measurement](benchmark::State& state) { run_under_benchmark(state, measurement); });
       if (measurement.clock == MEASUREMENT::WALL_TIME) registered->UseRealTime();
     }

@@ -23,7 +23,7 @@ struct STAGE {
 struct MEASUREMENT {
   enum CLOCK { CPU_TIME, WALL_TIME };
 
-  std::string name;  // "read/sbd/10^3"
+  std::string name;  // "read/sbd/1000"
   std::function<STAGE()> prepare;
 
   CLOCK clock = CPU_TIME;  // CPU time of the calling thread, or time on the wall for processes.
@@ -51,7 +51,7 @@ struct RESULT {
 };
 
 struct COMPARISON {
-  std::string name;  // "read/10^3"
+  std::string name;  // "read/1000"
   std::vector<MEASUREMENT> measurements;
   std::vector<FIGURE> figures;
 

@@ -7,12 +7,18 @@ namespace {
 
 using LINE = std::vector<std::string>;
 
-constexpr char MISS_MARK[] = " !";
-
 std::string digits(double value) {
   char text[32];
-  std::snprintf(text, sizeof text, value < 100 ? "%.2f" : "%.0f", value);
+  const bool is_small = value > -0.1 && value < 0.1;
+  std::snprintf(text, sizeof text, is_small ? "%.3f" : value < 100 ? "%.2f" : "%.0f", value);
   return text;
+}
+
+std::string value_text(const RESULT* result, bool is_markdown) {
+  if (result == nullptr) return "";
+  const std::string text = digits(result->value);
+  if (!result->is_missed()) return text;
+  return is_markdown ? "**" + text + "**" : text + " !";
 }
 
 std::string short_digits(double value) {
@@ -61,14 +67,13 @@ std::string target_text(const std::vector<const RESULT*>& results) {
 }
 
 LINE make_line(const std::vector<RESULT>& results, const std::string& subject,
-               const std::vector<std::string>& sizes) {
+               const std::vector<std::string>& sizes, bool is_markdown) {
   LINE line = {subject};
   std::vector<const RESULT*> found;
   for (const std::string& size : sizes) {
     const RESULT* const result = find_result(results, subject, size);
     if (result != nullptr) found.push_back(result);
-    line.push_back(
-        result == nullptr ? "" : digits(result->value) + (result->is_missed() ? MISS_MARK : ""));
+    line.push_back(value_text(result, is_markdown));
   }
   line.push_back(target_text(found));
   const bool is_missed =
@@ -116,7 +121,7 @@ std::string make_part(const std::vector<RESULT>& results, bool is_markdown) {
   head.push_back("");
   std::vector<LINE> lines = {head};
   for (const std::string& subject : distinct(results, [](const RESULT& r) { return r.subject; })) {
-    lines.push_back(make_line(results, subject, sizes));
+    lines.push_back(make_line(results, subject, sizes, is_markdown));
   }
   return is_markdown ? format_markdown(lines) : format_columns(lines);
 }

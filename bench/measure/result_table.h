@@ -7,8 +7,8 @@
 
 #include "bench/measure/comparison.h"
 
-// One line for each subject, with a column for each size where there are sizes; a value that misses
-// its target is marked. Either as a Markdown table or with columns of blanks.
+// One line for each subject, with a column for each size where there are sizes. A value that misses
+// its target is marked: bold in Markdown, with a "!" behind it in the plain table.
 std::string make_result_table(const std::vector<RESULT>& results, bool is_markdown);
 
 #endif

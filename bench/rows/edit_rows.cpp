@@ -48,8 +48,8 @@ MEASUREMENT measure_edit_with_text(std::size_t parameters) {
           }};
 }
 
-MEASUREMENT measure_edit(const char* label, std::size_t parameters) {
-  return {std::string("edit/set a value/") + label, [=] {
+MEASUREMENT measure_edit(const char* key, std::size_t parameters) {
+  return {std::string("edit/set a value/") + key, [=] {
             const auto document = std::make_shared<EDITED_DOCUMENT>(parameters);
             return STAGE{[=] { document->edit(); }};
           }};
@@ -74,6 +74,6 @@ void add_edit_rows(std::vector<COMPARISON>& comparisons) {
                            "", 0, 1, COPY_LIMIT}}});
   comparisons.push_back(
       {"edit_growth",
-       {measure_edit("10^5", LARGE), measure_edit("10^3", SMALL)},
+       {measure_edit("100000", LARGE), measure_edit("1000", SMALL)},
        {{"edit of one of 10^5 parameters, without the text / of 10^3", "", 0, 1}}});
 }

@@ -9,7 +9,7 @@
 namespace {
 
 MEASUREMENT measure_file(const PEER& peer, const SIZE_ROW& size) {
-  return {std::string("file/") + peer.name + "/" + size.label, [=] {
+  return {std::string("file/") + peer.name + "/" + size.key, [=] {
             const std::shared_ptr<READER> reader = peer.make();
             const auto file = std::make_shared<TEMPORARY_FILE>(reader->make_text(size.parameters));
             return STAGE{[=] { reader->read_file_and_free(file->path()); }, count_of(size)};
@@ -20,7 +20,7 @@ MEASUREMENT measure_file(const PEER& peer, const SIZE_ROW& size) {
 
 void add_file_rows(std::vector<COMPARISON>& comparisons) {
   for (const SIZE_ROW& size : SIZES) {
-    comparisons.push_back({std::string("file/") + size.label,
+    comparisons.push_back({std::string("file/") + size.key,
                            {measure_file(OURS, size), measure_file(RAPIDJSON, size)},
                            {{"read of a file / RapidJSON", size.label, 0, 1}}});
   }

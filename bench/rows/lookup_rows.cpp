@@ -22,7 +22,7 @@ std::vector<std::string> make_names(bool is_ours, std::size_t parameters) {
 
 MEASUREMENT measure_lookup(const PEER& peer, const SIZE_ROW& size) {
   const bool is_ours = peer.make == OURS.make;
-  return {std::string("lookup/") + peer.name + "/" + size.label, [=] {
+  return {std::string("lookup/") + peer.name + "/" + size.key, [=] {
             const std::shared_ptr<READER> reader = peer.make();
             reader->keep(reader->make_text(size.parameters));
             const std::vector<std::string> names = make_names(is_ours, size.parameters);
@@ -43,7 +43,7 @@ std::optional<double> limit_of(const SIZE_ROW& size) {
 
 COMPARISON compare_lookups(const SIZE_ROW& size) {
   COMPARISON comparison;
-  comparison.name = std::string("lookup/") + size.label;
+  comparison.name = std::string("lookup/") + size.key;
   comparison.measurements = {measure_lookup(OURS, size), measure_lookup(RAPIDJSON, size)};
   comparison.figures = {{"lookup / RapidJSON", size.label, 0, 1, limit_of(size)}};
   for (const PEER& peer : OTHER_PEERS) {

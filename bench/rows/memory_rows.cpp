@@ -35,7 +35,7 @@ void count_memory(const SIZE_ROW& size, std::vector<RESULT>& results) {
 void add_memory_rows(std::vector<COMPARISON>& comparisons) {
   for (const SIZE_ROW& size : SIZES) {
     COMPARISON comparison;
-    comparison.name = std::string("memory/") + size.label;
+    comparison.name = std::string("memory/") + size.key;
     comparison.count = [&size](std::vector<RESULT>& results) { count_memory(size, results); };
     comparisons.push_back(std::move(comparison));
   }

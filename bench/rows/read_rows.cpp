@@ -16,7 +16,7 @@ constexpr double LARGE_FLOOR_LIMIT = 2.2;
 constexpr std::size_t LARGE = 1000000;
 
 MEASUREMENT measure_read(const PEER& peer, const SIZE_ROW& size) {
-  return {std::string("read/") + peer.name + "/" + size.label, [=] {
+  return {std::string("read/") + peer.name + "/" + size.key, [=] {
             const std::shared_ptr<READER> reader = peer.make();
             const std::string text = reader->make_text(size.parameters);
             return STAGE{[=] { reader->read_and_free(text); }, count_of(size)};
@@ -24,7 +24,7 @@ MEASUREMENT measure_read(const PEER& peer, const SIZE_ROW& size) {
 }
 
 MEASUREMENT measure_floor(const SIZE_ROW& size) {
-  return {std::string("read/floor/") + size.label, [=] {
+  return {std::string("read/floor/") + size.key, [=] {
             const std::string text = make_sbd_text(size.parameters);
             return STAGE{[=] {
                            if (count_tokens(text) == 0) stop_measuring("floor", "no tokens");
@@ -36,7 +36,7 @@ MEASUREMENT measure_floor(const SIZE_ROW& size) {
 // What has a target is measured apart from the slow ones, and so in more rounds.
 COMPARISON compare_targets(const SIZE_ROW& size) {
   const double floor_limit = size.parameters < LARGE ? FLOOR_LIMIT : LARGE_FLOOR_LIMIT;
-  return {std::string("read/") + size.label,
+  return {std::string("read/") + size.key,
           {measure_read(OURS, size), measure_read(RAPIDJSON, size), measure_floor(size),
            measure_read(COMPACT_RAPIDJSON, size)},
           {{"read / RapidJSON", size.label, 0, 1, RAPIDJSON_LIMIT},
@@ -47,7 +47,7 @@ COMPARISON compare_targets(const SIZE_ROW& size) {
 
 COMPARISON compare_others(const SIZE_ROW& size) {
   COMPARISON comparison;
-  comparison.name = std::string("read_others/") + size.label;
+  comparison.name = std::string("read_others/") + size.key;
   comparison.measurements = {measure_read(OURS, size)};
   for (const PEER& peer : OTHER_PEERS) {
     comparison.figures.push_back(

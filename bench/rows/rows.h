@@ -9,15 +9,16 @@
 #include "bench/measure/comparison.h"
 
 struct SIZE_ROW {
-  const char* label;
+  const char* label;  // In the table,
+  const char* key;    // and in names that regular expressions look for.
   std::size_t parameters;
 };
 
-constexpr SIZE_ROW SIZES[] = {{"typical", TYPICAL_PARAMETERS},
-                              {"10^3", 1000},
-                              {"10^4", 10000},
-                              {"10^5", 100000},
-                              {"10^6", 1000000}};
+constexpr SIZE_ROW SIZES[] = {{"typical", "typical", TYPICAL_PARAMETERS},
+                              {"10^3", "1000", 1000},
+                              {"10^4", "10000", 10000},
+                              {"10^5", "100000", 100000},
+                              {"10^6", "1000000", 1000000}};
 
 inline double count_of(const SIZE_ROW& size) {
   return static_cast<double>(size.parameters);

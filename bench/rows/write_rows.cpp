@@ -34,14 +34,14 @@ struct WRITING {
 };
 
 MEASUREMENT measure_write(const PEER& peer, const SIZE_ROW& size) {
-  return {std::string("write/") + peer.name + "/" + size.label, [=] {
+  return {std::string("write/") + peer.name + "/" + size.key, [=] {
             const auto writing = std::make_shared<WRITING>(peer, size.parameters);
             return STAGE{[=] { writing->write(); }, count_of(size)};
           }};
 }
 
 COMPARISON compare_targets(const SIZE_ROW& size) {
-  return {std::string("write/") + size.label,
+  return {std::string("write/") + size.key,
           {measure_write(OURS, size), measure_write(RAPIDJSON, size),
            measure_write(COMPACT_RAPIDJSON, size)},
           {{"write / RapidJSON", size.label, 0, 1, RAPIDJSON_LIMIT},
@@ -50,7 +50,7 @@ COMPARISON compare_targets(const SIZE_ROW& size) {
 
 COMPARISON compare_others(const SIZE_ROW& size) {
   COMPARISON comparison;
-  comparison.name = std::string("write_others/") + size.label;
+  comparison.name = std::string("write_others/") + size.key;
   comparison.measurements = {measure_write(OURS, size)};
   for (const PEER& peer : OTHER_PEERS) {
     comparison.figures.push_back(
