@@ -67,16 +67,16 @@ class LIBCONFIG_READER : public READER {
 
   void keep(const std::string& text) override { read(m_config, text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) sum += number_of(m_config.lookup(name));
+    for (const std::string& path : paths) sum += number_of(m_config.lookup(path));
     return sum;
   }
 
   void write(std::FILE* stream) const override { m_config.write(stream); }
 
-  std::string value_text(const std::string& name) const override {
-    return m_config.exists(name) ? text_of(m_config.lookup(name)) : "";
+  std::string value_text(const std::string& path) const override {
+    return m_config.exists(path) ? text_of(m_config.lookup(path)) : "";
   }
 
  private:

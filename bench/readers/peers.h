@@ -15,6 +15,8 @@ constexpr PEER OURS = {"sbd", make_sbd_reader};
 constexpr PEER RAPIDJSON = {"RapidJSON", make_rapidjson_reader};
 constexpr PEER COMPACT_RAPIDJSON = {"RapidJSON compact", make_rapidjson_compact_reader};
 
+constexpr PEER RAPIDJSON_POINTER = {"RapidJSON's Pointer", make_rapidjson_pointer_reader};
+
 // Those without a target of their own.
 constexpr PEER OTHER_PEERS[] = {{"simdjson", make_simdjson_reader},
                                 {"pugixml", make_pugixml_reader},

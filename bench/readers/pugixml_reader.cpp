@@ -43,10 +43,10 @@ class PUGIXML_READER : public READER {
 
   void keep(const std::string& text) override { read(m_document, text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) {
-      sum += m_document.first_element_by_path(name.c_str(), '.').text().as_ullong();
+    for (const std::string& path : paths) {
+      sum += m_document.first_element_by_path(path.c_str(), '.').text().as_ullong();
     }
     return sum;
   }
@@ -56,8 +56,8 @@ class PUGIXML_READER : public READER {
     m_document.save(writer, "    ");
   }
 
-  std::string value_text(const std::string& name) const override {
-    const pugi::xml_node node = m_document.first_element_by_path(name.c_str(), '.');
+  std::string value_text(const std::string& path) const override {
+    const pugi::xml_node node = m_document.first_element_by_path(path.c_str(), '.');
     if (!node.child("item")) return text_of(node.text().get());
     std::vector<std::string> elements;
     for (const pugi::xml_node item : node.children("item")) {

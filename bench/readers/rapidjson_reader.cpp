@@ -1,5 +1,6 @@
 #include <rapidjson/filereadstream.h>
 #include <rapidjson/filewritestream.h>
+#include <rapidjson/pointer.h>
 #include <rapidjson/prettywriter.h>
 
 #include <algorithm>
@@ -68,10 +69,10 @@ class RAPIDJSON_READER : public READER {
 
   void keep(const std::string& text) override { read(m_document, text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) {
-      const rapidjson::Value* const value = find(m_document, name);
+    for (const std::string& path : paths) {
+      const rapidjson::Value* const value = find(m_document, path);
       if (value != nullptr && value->IsUint64()) sum += value->GetUint64();
     }
     return sum;
@@ -89,14 +90,44 @@ class RAPIDJSON_READER : public READER {
     }
   }
 
-  std::string value_text(const std::string& name) const override {
-    const rapidjson::Value* const value = find(m_document, name);
+  std::string value_text(const std::string& path) const override {
+    const rapidjson::Value* const value = find(m_document, path);
     return value != nullptr ? text_of(*value) : "";
   }
 
+ protected:
+  rapidjson::Document m_document;
+
  private:
   const bool m_is_compact;
-  rapidjson::Document m_document;
+};
+
+// Looks up by the library's own kind of path.
+class RAPIDJSON_POINTER_READER : public RAPIDJSON_READER {
+ public:
+  RAPIDJSON_POINTER_READER() : RAPIDJSON_READER(false) {}
+
+  std::string path_of(const std::string& name) const override {
+    std::string path = "/" + plain_name(name);
+    std::replace(path.begin(), path.end(), '.', '/');
+    return path;
+  }
+
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
+    std::uint64_t sum = 0;
+    for (const std::string& path : paths) {
+      const rapidjson::Pointer pointer(path.data(), path.size());
+      const rapidjson::Value* const value = pointer.Get(m_document);
+      if (value != nullptr && value->IsUint64()) sum += value->GetUint64();
+    }
+    return sum;
+  }
+
+  std::string value_text(const std::string& path) const override {
+    const rapidjson::Value* const value =
+        rapidjson::Pointer(path.data(), path.size()).Get(m_document);
+    return value != nullptr ? text_of(*value) : "";
+  }
 };
 
 }  // namespace
@@ -107,4 +138,8 @@ std::unique_ptr<READER> make_rapidjson_reader() {
 
 std::unique_ptr<READER> make_rapidjson_compact_reader() {
   return std::make_unique<RAPIDJSON_READER>(true);
+}
+
+std::unique_ptr<READER> make_rapidjson_pointer_reader() {
+  return std::make_unique<RAPIDJSON_POINTER_READER>();
 }

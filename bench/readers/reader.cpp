@@ -3,6 +3,12 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "bench/document/document_texts.h"
+
+std::string READER::path_of(const std::string& name) const {
+  return plain_name(name);
+}
+
 std::string number_text(double number) {
   char text[64];
   std::snprintf(text, sizeof text, "%.1f", number);

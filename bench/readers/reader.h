@@ -27,21 +27,24 @@ class READER {
   // Keeps the document of the text for what follows.
   virtual void keep(const std::string& text) = 0;
 
-  // Looks whole numbers up by their dotted names; returns their sum. The names are plain ones (see
-  // plain_name) for all libraries but ours.
-  virtual std::uint64_t look_up(const std::vector<std::string>& names) const = 0;
+  // A full name of ours as this library looks it up.
+  virtual std::string path_of(const std::string& name) const;
+
+  // Looks whole numbers up by their paths; returns their sum.
+  virtual std::uint64_t look_up(const std::vector<std::string>& paths) const = 0;
 
   // Writes the document in the library's own indented layout.
   virtual void write(std::FILE* stream) const = 0;
 
-  // The value of a parameter in a form that is the same for all libraries: numbers with one
+  // The value at a path in a form that is the same for all libraries: numbers with one
   // decimal, texts without quotes, lists as "[a, b]"; "" when there is none.
-  virtual std::string value_text(const std::string& name) const = 0;
+  virtual std::string value_text(const std::string& path) const = 0;
 };
 
 std::unique_ptr<READER> make_sbd_reader();
 std::unique_ptr<READER> make_rapidjson_reader();
 std::unique_ptr<READER> make_rapidjson_compact_reader();
+std::unique_ptr<READER> make_rapidjson_pointer_reader();
 std::unique_ptr<READER> make_simdjson_reader();
 std::unique_ptr<READER> make_pugixml_reader();
 std::unique_ptr<READER> make_libconfig_reader();

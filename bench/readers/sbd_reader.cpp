@@ -59,11 +59,13 @@ class SBD_READER : public READER {
 
   void keep(const std::string& text) override { read(m_document, text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::string path_of(const std::string& name) const override { return name; }
+
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) {
+    for (const std::string& path : paths) {
       unsigned long number = 0;
-      if (m_document.get_value(name.c_str(), number)) sum += number;
+      if (m_document.get_value(path.c_str(), number)) sum += number;
     }
     return sum;
   }
@@ -72,8 +74,8 @@ class SBD_READER : public READER {
     m_document.write(stream, m_document.get_parser_para().root, 0);
   }
 
-  std::string value_text(const std::string& name) const override {
-    const SBD_FILE_PARSER::SBD_NODE* const node = m_document.get_ref_object(name.c_str(), nullptr);
+  std::string value_text(const std::string& path) const override {
+    const SBD_FILE_PARSER::SBD_NODE* const node = m_document.get_ref_object(path.c_str(), nullptr);
     if (node == nullptr || node->type != SBD_FILE_PARSER::SBD_NODE::NT_STATEMENT) return "";
     const SBD_STATEMENT& statement = *node->statement;
     return statement.type == SBD_STATEMENT::ST_REFERENCE ? text_of(statement.reference)

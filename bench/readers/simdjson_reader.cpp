@@ -62,12 +62,12 @@ class SIMDJSON_READER : public READER {
 
   void keep(const std::string& text) override { m_root = parse(m_parser, text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) {
+    for (const std::string& path : paths) {
       dom::element element;
       std::uint64_t number = 0;
-      if (find(m_root, name, element) && element.get(number) == simdjson::SUCCESS) sum += number;
+      if (find(m_root, path, element) && element.get(number) == simdjson::SUCCESS) sum += number;
     }
     return sum;
   }
@@ -78,9 +78,9 @@ class SIMDJSON_READER : public READER {
     std::fwrite(text.data(), 1, text.size(), stream);
   }
 
-  std::string value_text(const std::string& name) const override {
+  std::string value_text(const std::string& path) const override {
     dom::element element;
-    return find(m_root, name, element) ? text_of(element) : "";
+    return find(m_root, path, element) ? text_of(element) : "";
   }
 
  private:

@@ -48,10 +48,10 @@ class TOML_READER : public READER {
 
   void keep(const std::string& text) override { m_table = parse(text); }
 
-  std::uint64_t look_up(const std::vector<std::string>& names) const override {
+  std::uint64_t look_up(const std::vector<std::string>& paths) const override {
     std::uint64_t sum = 0;
-    for (const std::string& name : names) {
-      sum += static_cast<std::uint64_t>(m_table.at_path(name).value_or(std::int64_t{0}));
+    for (const std::string& path : paths) {
+      sum += static_cast<std::uint64_t>(m_table.at_path(path).value_or(std::int64_t{0}));
     }
     return sum;
   }
@@ -63,8 +63,8 @@ class TOML_READER : public READER {
     std::fwrite(text.data(), 1, text.size(), stream);
   }
 
-  std::string value_text(const std::string& name) const override {
-    const toml::node_view<const toml::node> found = m_table.at_path(name);
+  std::string value_text(const std::string& path) const override {
+    const toml::node_view<const toml::node> found = m_table.at_path(path);
     return found ? text_of(*found.node()) : "";
   }
 

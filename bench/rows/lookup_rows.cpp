@@ -13,25 +13,19 @@ constexpr std::size_t MOST_NAMES = 100000;
 constexpr double SMALL_LIMIT = 1.0;
 constexpr double LARGE_LIMIT = 0.6;
 
-std::vector<std::string> make_names(bool is_ours, std::size_t parameters) {
-  std::vector<std::string> names = make_number_names(parameters, MOST_NAMES);
-  if (is_ours) return names;
-  for (std::string& name : names) name = plain_name(name);
-  return names;
-}
-
 MEASUREMENT measure_lookup(const PEER& peer, const SIZE_ROW& size) {
-  const bool is_ours = peer.make == OURS.make;
   return {std::string("lookup/") + peer.name + "/" + size.key, [=] {
             const std::shared_ptr<READER> reader = peer.make();
             reader->keep(reader->make_text(size.parameters));
-            const std::vector<std::string> names = make_names(is_ours, size.parameters);
-            const std::uint64_t sum = reader->look_up(names);
+            std::vector<std::string> paths = make_number_names(size.parameters, MOST_NAMES);
+            for (std::string& path : paths) path = reader->path_of(path);
+            const std::uint64_t sum = reader->look_up(paths);
             return STAGE{[=] {
-                           if (reader->look_up(names) != sum || sum == 0)
+                           if (reader->look_up(paths) != sum || sum == 0) {
                              stop_measuring(peer.name, "look up");
+                           }
                          },
-                         static_cast<double>(names.size())};
+                         static_cast<double>(paths.size())};
           }};
 }
 
@@ -44,8 +38,10 @@ std::optional<double> limit_of(const SIZE_ROW& size) {
 COMPARISON compare_lookups(const SIZE_ROW& size) {
   COMPARISON comparison;
   comparison.name = std::string("lookup/") + size.key;
-  comparison.measurements = {measure_lookup(OURS, size), measure_lookup(RAPIDJSON, size)};
-  comparison.figures = {{"lookup / RapidJSON", size.label, 0, 1, limit_of(size)}};
+  comparison.measurements = {measure_lookup(OURS, size), measure_lookup(RAPIDJSON, size),
+                             measure_lookup(RAPIDJSON_POINTER, size)};
+  comparison.figures = {{"lookup / RapidJSON", size.label, 0, 1, limit_of(size)},
+                        {"lookup / RapidJSON's Pointer", size.label, 0, 2}};
   for (const PEER& peer : OTHER_PEERS) {
     comparison.figures.push_back(
         {std::string("lookup / ") + peer.name, size.label, 0, comparison.measurements.size()});
