@@ -41,7 +41,16 @@ constexpr char sbd_to_lower(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// True when the two are equal, letter case aside. `text` ends with NUL.
+// True when the two are equal, letter case aside.
+inline bool sbd_equal_ignoring_case(std::string_view one, std::string_view other) {
+  if (one.size() != other.size()) return false;
+  for (std::size_t i = 0; i != one.size(); ++i) {
+    if (one[i] != other[i] && sbd_to_lower(one[i]) != sbd_to_lower(other[i])) return false;
+  }
+  return true;
+}
+
+// The same where the length of `text`, which ends with NUL, is not known.
 inline bool sbd_equal_ignoring_case(const char* text, std::string_view other) {
   for (const char c : other) {
     // Most are spelled alike; and a NUL in `other` must not lead past the end of `text`.

@@ -169,9 +169,9 @@ unsigned long SBD_FILE_PARSER::hash_pjw(const char* name, unsigned long size) no
 SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE SBD_FILE_PARSER::lookup_block_type(
     const char* keyword) noexcept {
   if (keyword == nullptr) return SBD_BLOCK::BT_UNKNOWN;
+  const std::string_view text = keyword;
   for (const BLOCK_TYPE_ROW& row : k_block_types) {
-    const bool is_near = sbd_to_lower(keyword[0]) == row.keyword[0];
-    if (is_near && sbd_equal_ignoring_case(keyword, row.keyword)) return row.type;
+    if (sbd_equal_ignoring_case(text, row.keyword)) return row.type;
   }
   return SBD_BLOCK::BT_UNKNOWN;
 }

@@ -1,5 +1,5 @@
-// Names that a document has already: descriptors use the same few names again and again, and what
-// was worked out for one need not be worked out, or stored, twice.
+// Names that a document has already: descriptors use the same few names again and again, mostly in
+// the same order, and what was worked out for one need not be worked out, or stored, twice.
 #ifndef SBD_READING_SBD_KNOWN_NAMES_H
 #define SBD_READING_SBD_KNOWN_NAMES_H
 
@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <string_view>
 
+#include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_run.h"
+#include "sbd/sbd_file_parser.h"
 
 // The last name that fell into each slot.
 class SBD_KNOWN_NAMES {
@@ -16,32 +18,49 @@ class SBD_KNOWN_NAMES {
   struct NAME {
     char* text = nullptr;  // The copy that all symbols of that spelling share.
     std::uint32_t length = 0;
-    std::uint16_t check = 0;   // More of its hash than the slot tells.
-    std::uint16_t bucket = 0;  // Of the symbol table.
+    std::uint32_t hash = 0;
+    std::uint16_t tag = 0;
+    std::uint8_t bucket = 0;  // Of the symbol table.
+    std::uint8_t next = 0;    // The slot of the name that came behind this one the last time.
   };
 
-  // The slot of a name with that hash. It holds the name if `is_known` says so.
-  NAME& slot_of(std::uint64_t hash) { return m_slots[(hash >> 32) % k_slot_count]; }
-
-  static bool is_known(const NAME& slot, std::uint64_t hash, std::string_view name) {
-    return slot.check == check_of(hash) && slot.length == name.size() &&
-           sbd_equal_bytes(slot.text, name.data(), name.size());
-  }
-
-  static void put(NAME& slot, std::uint64_t hash, std::string_view name, char* text,
-                  std::size_t bucket) {
-    slot = {text, static_cast<std::uint32_t>(name.size()), check_of(hash),
-            static_cast<std::uint16_t>(bucket)};
+  // The entry of a name, with a copy that COPY makes if the name is new. A step can be read behind
+  // the name and behind copies, whatever stands there.
+  template <class COPY>
+  const NAME& know(std::string_view name, COPY&& copy) {
+    NAME& guess = m_slots[m_last->next];
+    if (is_same(guess, name)) {
+      m_last = &guess;
+      return guess;
+    }
+    const std::uint64_t hash = sbd_hash_padded_name(name);
+    const auto slot = static_cast<std::uint8_t>(hash >> 32);
+    NAME& found = m_slots[slot];
+    if (!is_same(found, name)) {
+      static_assert(SBD_FILE_PARSER::SBD_SYMBOL_TABLE::k_bucket_count <= 256);
+      const std::uint32_t bucket =
+          sbd_hash_pjw_padded(name) % SBD_FILE_PARSER::SBD_SYMBOL_TABLE::k_bucket_count;
+      found = {copy(name),
+               static_cast<std::uint32_t>(name.size()),
+               static_cast<std::uint32_t>(hash),
+               sbd_name_tag(hash),
+               static_cast<std::uint8_t>(bucket),
+               0};
+    }
+    m_last->next = slot;
+    m_last = &found;
+    return found;
   }
 
  private:
   static constexpr std::size_t k_slot_count = 256;
 
-  static std::uint16_t check_of(std::uint64_t hash) {
-    return static_cast<std::uint16_t>(hash >> 40);
+  static bool is_same(const NAME& slot, std::string_view name) {
+    return slot.length == name.size() && sbd_equal_bytes(slot.text, name.data(), name.size());
   }
 
   std::array<NAME, k_slot_count> m_slots{};
+  NAME* m_last = m_slots.data();
 };
 
 #endif

@@ -77,16 +77,12 @@ bool is_being_read(const SBD_TOKEN_INFO& token) {
 // Enters a symbol of the reader's, which has all but its name.
 void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
                        SBD_SYMBOL_TABLE& symbol_table) {
-  const std::uint64_t hash = sbd_hash_padded_name(name.text);
   SBD_STORE& store = *name.origin;
-  SBD_KNOWN_NAMES::NAME& known = store.reading->known_names.slot_of(hash);
-  if (!SBD_KNOWN_NAMES::is_known(known, hash, name.text)) {
-    SBD_KNOWN_NAMES::put(known, hash, name.text, store.copy(name.text),
-                         sbd_hash_pjw_padded(name.text) % SBD_SYMBOL_TABLE::k_bucket_count);
-  }
+  const auto& known = store.reading->known_names.know(
+      name.text, [&store](std::string_view text) { return store.copy(text); });
   symbol->name = known.text;
-  symbol->m_tag = sbd_name_tag(hash);
-  store.reading->open_members.push_back({symbol, static_cast<std::uint32_t>(hash)});
+  symbol->m_tag = known.tag;
+  store.reading->open_members.push_back({symbol, known.hash});
   SBD_SYMBOL*& head = symbol_table[known.bucket];
   symbol->next = head;
   head = symbol;
