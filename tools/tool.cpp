@@ -2,26 +2,26 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "sbd/sbd_api.h"
+#include "tools/command_line.h"
 #include "tools/commands/command.h"
 #include "tools/findings.h"
 #include "tools/session.h"
-#include "tools/visible_text.h"
 
 namespace sbd_tool {
 
 namespace {
+
+constexpr char k_description[] = "Checks, shows, queries and edits System Build Descriptor files.";
 
 constexpr char k_footer[] =
     "Exit codes: 0 fine; 1 the file has faults, has not what was asked for, or can't be edited "
@@ -40,17 +40,12 @@ constexpr char k_footer[] =
 // A command with what the command line knows of it.
 struct DECLARED_COMMAND {
   std::unique_ptr<COMMAND> command;
-  CLI::App* app;
+  COMMAND_SYNTAX syntax;
 };
 
 class TOOL {
  public:
   explicit TOOL(SESSION& session) : m_session(session) {
-    m_app.set_version_flag("--version", fmt::format("sbd {}", sbd_version()),
-                           "Print the version and exit");
-    m_app.require_subcommand(1);
-    m_app.footer(k_footer);
-    m_app.failure_message([](const CLI::App*, const CLI::Error&) { return std::string(); });
     declare(make_check_command());
     declare(make_show_command());
     declare(make_get_command());
@@ -66,47 +61,31 @@ class TOOL {
   }
 
   void run(int argument_count, const char* const* arguments) {
-    try {
-      m_app.parse(argument_count, arguments);
-    } catch (const CLI::Success& request) {
-      print_help(request);
-      return;
-    } catch (const CLI::ParseError& error) {
-      refuse(error);
-      return;
+    const COMMAND_LINE::RESULT result = m_command_line.parse(argument_count, arguments);
+    switch (result.kind) {
+      case COMMAND_LINE::RESULT::KIND::ANSWER:
+        m_session.out().write(result.text);
+        return;
+      case COMMAND_LINE::RESULT::KIND::REFUSAL:
+        m_session.complain(result.text, EXIT_UNUSABLE);
+        return;
+      case COMMAND_LINE::RESULT::KIND::COMMAND:
+        break;
     }
     for (const DECLARED_COMMAND& declared : m_commands) {
-      if (declared.app->parsed()) declared.command->run(m_session);
+      if (declared.syntax.is_given()) declared.command->run(m_session);
     }
   }
 
  private:
   void declare(std::unique_ptr<COMMAND> command) {
-    CLI::App* const app = command->declare(m_app);
-    m_commands.push_back({std::move(command), app});
-  }
-
-  void print_help(const CLI::Success& request) {
-    std::ostringstream text;
-    m_app.exit(request, text, text);
-    m_session.out().write(text.str());
-  }
-
-  void refuse(const CLI::ParseError& error) {
-    std::string command = "sbd";
-    for (const CLI::App* const app : m_app.get_subcommands()) command += " " + app->get_name();
-    m_session.complain(fmt::format("{} (see {} --help)", reason_of(error), command), EXIT_UNUSABLE);
-  }
-
-  std::string reason_of(const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = m_app.remaining();
-    if (!m_app.get_subcommands().empty()) return make_visible(error.what());
-    if (unknown.empty()) return "a command is required";
-    return fmt::format("no command or option '{}'", make_visible(unknown.front()));
+    const COMMAND_SYNTAX syntax = command->declare(m_command_line.tool());
+    m_commands.push_back({std::move(command), syntax});
   }
 
   SESSION& m_session;
-  CLI::App m_app{"Checks, shows, queries and edits System Build Descriptor files.", "sbd"};
+  COMMAND_LINE m_command_line{
+      {"sbd", k_description, fmt::format("sbd {}", sbd_version()), k_footer}};
   std::vector<DECLARED_COMMAND> m_commands;
 };
 

@@ -23,12 +23,11 @@ class ATTR_COMMAND : public EDIT_COMMAND {
   ATTR_COMMAND() : EDIT_COMMAND("attr", "Set the attributes of a parameter", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
-    command.add_option("NAME", m_name, "Full name of the parameter")->required()->type_name("");
-    CLI::Option* const attributes =
-        command.add_option("ATTRIBUTE", m_attributes, "Attributes: KEY or KEY=VALUE")
-            ->type_name("");
-    command.add_flag("--clear", m_is_cleared, "Remove all attributes")->excludes(attributes);
+  void declare_edit(const COMMAND_SYNTAX& command) override {
+    command.add_positional("NAME", m_name, "Full name of the parameter").required();
+    const OPTION_SYNTAX attributes =
+        command.add_positional("ATTRIBUTE", m_attributes, "Attributes: KEY or KEY=VALUE");
+    command.add_flag("--clear", m_is_cleared, "Remove all attributes").excludes(attributes);
   }
 
   bool make_edits(SESSION& session, std::vector<EDIT>& edits) override {

@@ -38,45 +38,43 @@ constexpr char k_remove_footer[] =
 
 class BLOCK_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command = tool.add_subcommand("block", "Add or remove blocks");
-    command->require_subcommand(1);
-    command->footer(k_footer);
-    declare_add(*command);
-    declare_remove(*command);
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command = tool.add_command("block", "Add or remove blocks");
+    command.require_command();
+    command.set_footer(k_footer);
+    declare_add(command);
+    declare_remove(command);
     return command;
   }
 
   void run(SESSION& session) override {
     EDIT edit;
-    if (m_add->parsed() ? make_addition(session, edit) : make_removal(edit)) {
+    if (m_add.is_given() ? make_addition(session, edit) : make_removal(edit)) {
       edit_file(session, m_options, {edit});
     }
   }
 
  private:
-  void declare_add(CLI::App& command) {
-    m_add = command.add_subcommand("add", "Add a block");
-    add_edited_file(*m_add, m_options);
-    m_add->add_option("TYPE", m_type, "Type of the block")->required()->type_name("");
-    m_add->add_option("NAME", m_name, "Full name of the new block")->required()->type_name("");
-    m_add->add_option("--set", m_members, "Give the block a parameter; may be repeated")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    m_place.declare(*m_add);
-    add_edit_options(*m_add, m_options);
-    m_add->footer(k_add_footer);
+  void declare_add(const COMMAND_SYNTAX& command) {
+    m_add = command.add_command("add", "Add a block");
+    add_edited_file(m_add, m_options);
+    m_add.add_positional("TYPE", m_type, "Type of the block").required();
+    m_add.add_positional("NAME", m_name, "Full name of the new block").required();
+    m_add.add_option("--set", "NAME=VALUE", m_members,
+                     "Give the block a parameter; may be repeated");
+    m_place.declare(m_add);
+    add_edit_options(m_add, m_options);
+    m_add.set_footer(k_add_footer);
   }
 
-  void declare_remove(CLI::App& command) {
-    CLI::App* const remove = command.add_subcommand("remove", "Remove a block");
-    add_edited_file(*remove, m_options);
-    remove->add_option("NAME", m_name, "Full name of the block")->required()->type_name("");
-    remove->add_flag("--with-references", m_with_references,
-                     "Remove the references into the block, too");
-    add_edit_options(*remove, m_options);
-    remove->footer(k_remove_footer);
+  void declare_remove(const COMMAND_SYNTAX& command) {
+    const COMMAND_SYNTAX remove = command.add_command("remove", "Remove a block");
+    add_edited_file(remove, m_options);
+    remove.add_positional("NAME", m_name, "Full name of the block").required();
+    remove.add_flag("--with-references", m_with_references,
+                    "Remove the references into the block, too");
+    add_edit_options(remove, m_options);
+    remove.set_footer(k_remove_footer);
   }
 
   bool make_addition(SESSION& session, EDIT& edit) const {
@@ -102,7 +100,7 @@ class BLOCK_COMMAND : public COMMAND {
     return true;
   }
 
-  CLI::App* m_add = nullptr;
+  COMMAND_SYNTAX m_add;
   EDIT_OPTIONS m_options;
   std::string m_type;
   std::string m_name;

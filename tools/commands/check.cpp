@@ -24,13 +24,6 @@ constexpr char k_examples[] =
     "  sbd check -q board.sbd && echo fine\n"
     "  generate_board | sbd check -";
 
-// What is wrong with the argument; empty if it is a number. (The library itself would take -1.)
-std::string is_count(const std::string& argument) {
-  const bool has_digits_only = argument.find_first_not_of("0123456789") == std::string::npos;
-  if (has_digits_only && !argument.empty()) return {};
-  return fmt::format("'{}' is not a number of findings", argument);
-}
-
 std::string count_of(std::size_t count, std::string_view thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
@@ -60,23 +53,18 @@ struct TOTALS {
 
 class CHECK_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command = tool.add_subcommand("check", "Say what is wrong with files");
-    command->add_option("FILE", m_files, "Descriptor files; \"-\" is standard input")
-        ->required()
-        ->type_name("");
-    command->add_flag("-q,--quiet", m_is_quiet, "Print nothing: the exit code says it all");
-    command->add_flag("-v,--verbose", m_is_verbose, "Print a summary in any case")
-        ->excludes("--quiet");
-    command
-        ->add_option(
-            "--max-findings", m_finding_limit,
-            fmt::format("Print so many findings of each file (0: all of them; default: {})",
-                        k_default_finding_limit))
-        ->check(is_count)
-        ->type_name("N");
-    add_color(*command, m_colors);
-    command->footer(k_examples);
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command = tool.add_command("check", "Say what is wrong with files");
+    command.add_positional("FILE", m_files, "Descriptor files; \"-\" is standard input").required();
+    const OPTION_SYNTAX quiet =
+        command.add_flag("-q,--quiet", m_is_quiet, "Print nothing: the exit code says it all");
+    command.add_flag("-v,--verbose", m_is_verbose, "Print a summary in any case").excludes(quiet);
+    command.add_count(
+        "--max-findings", "N", "findings", m_finding_limit,
+        fmt::format("Print so many findings of each file (0: all of them; default: {})",
+                    k_default_finding_limit));
+    add_color(command, m_colors);
+    command.set_footer(k_examples);
     return command;
   }
 

@@ -4,11 +4,8 @@
 
 #include <memory>
 
+#include "tools/command_line.h"
 #include "tools/session.h"
-
-namespace CLI {
-class App;
-}
 
 namespace sbd_tool {
 
@@ -18,7 +15,7 @@ class COMMAND {
 
   // Declares the command, its options and its help; its arguments are then parsed into members.
   // The command must live as long as `tool`.
-  virtual CLI::App* declare(CLI::App& tool) = 0;
+  virtual COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) = 0;
 
   // Does the work. How it went is noted in the session.
   virtual void run(SESSION& session) = 0;

@@ -40,10 +40,10 @@ class EDIT_SCRIPT_COMMAND : public EDIT_COMMAND {
   EDIT_SCRIPT_COMMAND() : EDIT_COMMAND("edit", "Perform the edits of a script", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
-    command.add_option("--script", m_script, "File with the edits; \"-\" is standard input")
-        ->required()
-        ->type_name("EDITS");
+  void declare_edit(const COMMAND_SYNTAX& command) override {
+    command
+        .add_option("--script", "EDITS", m_script, "File with the edits; \"-\" is standard input")
+        .required();
   }
 
   bool make_edits(SESSION& session, std::vector<EDIT>& edits) override {

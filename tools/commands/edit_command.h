@@ -2,7 +2,6 @@
 #ifndef TOOLS_COMMANDS_EDIT_COMMAND_H
 #define TOOLS_COMMANDS_EDIT_COMMAND_H
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
@@ -12,13 +11,13 @@
 namespace sbd_tool {
 
 // FILE and the options that say what becomes of the result. FILE is declared first.
-void add_edited_file(CLI::App& command, EDIT_OPTIONS& options);
-void add_edit_options(CLI::App& command, EDIT_OPTIONS& options);
+void add_edited_file(const COMMAND_SYNTAX& command, EDIT_OPTIONS& options);
+void add_edit_options(const COMMAND_SYNTAX& command, EDIT_OPTIONS& options);
 
 // --after and --before: where something new stands.
 class PLACE_OPTIONS {
  public:
-  void declare(CLI::App& command);
+  void declare(const COMMAND_SYNTAX& command);
   void put_into(EDIT& edit) const;
 
  private:
@@ -28,14 +27,14 @@ class PLACE_OPTIONS {
 
 class EDIT_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) final;
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) final;
   void run(SESSION& session) final;
 
  protected:
   EDIT_COMMAND(std::string name, std::string description, std::string footer);
 
   // Declares what stands behind FILE.
-  virtual void declare_edit(CLI::App& command) = 0;
+  virtual void declare_edit(const COMMAND_SYNTAX& command) = 0;
 
   // The edits that the arguments say; false when they say none, which is then told.
   virtual bool make_edits(SESSION& session, std::vector<EDIT>& edits) = 0;

@@ -33,20 +33,20 @@ constexpr char k_footer[] =
 
 class FMT_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command = tool.add_subcommand("fmt", "Write files in the library's own layout");
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command =
+        tool.add_command("fmt", "Write files in the library's own layout");
     command
-        ->add_option("FILE", m_files,
-                     "Descriptor files; \"-\" is standard input, written to standard output")
-        ->required()
-        ->type_name("");
-    command->add_flag("--check", m_is_check,
-                      "Write nothing; list the files that would change; exit code 1 if any");
-    command->add_flag("--diff", m_is_diff,
-                      "Write nothing; print what would change, as a unified diff");
-    command->add_flag("-v,--verbose", m_is_verbose, "Say of each file whether it was changed");
-    add_color(*command, m_colors);
-    command->footer(k_footer);
+        .add_positional("FILE", m_files,
+                        "Descriptor files; \"-\" is standard input, written to standard output")
+        .required();
+    command.add_flag("--check", m_is_check,
+                     "Write nothing; list the files that would change; exit code 1 if any");
+    command.add_flag("--diff", m_is_diff,
+                     "Write nothing; print what would change, as a unified diff");
+    command.add_flag("-v,--verbose", m_is_verbose, "Say of each file whether it was changed");
+    add_color(command, m_colors);
+    command.set_footer(k_footer);
     return command;
   }
 

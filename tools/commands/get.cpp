@@ -128,19 +128,17 @@ void write_json(JSON_WRITER& json, const SBD_FILE_PARSER& document, const STATEM
 
 class GET_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command = tool.add_subcommand("get", "Print the value of a parameter");
-    add_file(*command, m_file);
-    command->add_option("NAME", m_name, "Full name of the parameter")->required()->type_name("");
-    m_as_option =
-        command
-            ->add_option("--as", m_as,
-                         "Fail for a value of another kind; raw: as it stands in the file")
-            ->check(CLI::IsMember({"number", "string", "bool", "refs", k_raw}))
-            ->type_name("KIND");
-    command->add_flag("--json", m_is_json, "Print JSON");
-    add_color(*command, m_colors);
-    command->footer(k_examples);
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command = tool.add_command("get", "Print the value of a parameter");
+    add_file(command, m_file);
+    command.add_positional("NAME", m_name, "Full name of the parameter").required();
+    m_as_option = command.add_choice(
+        "--as", "KIND", {"number", "string", "bool", "refs", k_raw},
+        [this](const std::string& kind) { m_as = kind; },
+        "Fail for a value of another kind; raw: as it stands in the file");
+    command.add_flag("--json", m_is_json, "Print JSON");
+    add_color(command, m_colors);
+    command.set_footer(k_examples);
     return command;
   }
 
@@ -158,7 +156,7 @@ class GET_COMMAND : public COMMAND {
 
  private:
   bool has_asked_kind(SESSION& session, const DESCRIPTOR& descriptor, const NODE& node) {
-    if (m_as_option->empty() || m_as == k_raw) return true;
+    if (!m_as_option.is_given() || m_as == k_raw) return true;
     const KIND kind = kind_of_parameter(*node.statement);
     for (const FORM& form : k_forms) {
       if (m_as != form.name) continue;
@@ -194,7 +192,7 @@ class GET_COMMAND : public COMMAND {
   std::string m_file;
   std::string m_name;
   std::string m_as;
-  CLI::Option* m_as_option = nullptr;
+  OPTION_SYNTAX m_as_option;
   bool m_is_json = false;
   COLOR_CHOICE m_colors = COLOR_CHOICE::AUTO;
 };

@@ -96,18 +96,16 @@ class NAME_PRINTER {
 
 class LIST_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command =
-        tool.add_subcommand("list", "Print the names of blocks and parameters");
-    add_file(*command, m_file);
-    m_type_option =
-        command->add_option("--type", m_type, "Only blocks of this type")->type_name("TYPE");
-    m_scope_option =
-        command->add_option("--scope", m_scope, "Only what is in this block")->type_name("NAME");
-    command->add_flag("--parameters", m_has_parameters, "Print the parameters of the blocks, too");
-    command->add_flag("--json", m_is_json, "Print JSON");
-    add_color(*command, m_colors);
-    command->footer(k_examples);
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command =
+        tool.add_command("list", "Print the names of blocks and parameters");
+    add_file(command, m_file);
+    m_type_option = command.add_option("--type", "TYPE", m_type, "Only blocks of this type");
+    m_scope_option = command.add_option("--scope", "NAME", m_scope, "Only what is in this block");
+    command.add_flag("--parameters", m_has_parameters, "Print the parameters of the blocks, too");
+    command.add_flag("--json", m_is_json, "Print JSON");
+    add_color(command, m_colors);
+    command.set_footer(k_examples);
     return command;
   }
 
@@ -117,7 +115,7 @@ class LIST_COMMAND : public COMMAND {
     if (descriptor == nullptr) return;
     const SBD_FILE_PARSER& document = descriptor->document;
     const NODE* scope = nullptr;
-    if (!m_scope_option->empty()) {
+    if (m_scope_option.is_given()) {
       scope = find_wanted(session, *descriptor, m_scope, WANTED::BLOCK);
       if (scope == nullptr) return;
     }
@@ -129,7 +127,7 @@ class LIST_COMMAND : public COMMAND {
 
  private:
   bool choose_type(SESSION& session) {
-    if (m_type_option->empty()) return true;
+    if (!m_type_option.is_given()) return true;
     m_block_type = SBD_FILE_PARSER::lookup_block_type(m_type.c_str());
     if (m_block_type != BLOCK::BT_UNKNOWN) return true;
     session.complain("no block type '" + m_type +
@@ -166,14 +164,14 @@ class LIST_COMMAND : public COMMAND {
   }
 
   bool has_listed_type(const NODE& block) const {
-    return m_type_option->empty() || block.block->block_type == m_block_type;
+    return !m_type_option.is_given() || block.block->block_type == m_block_type;
   }
 
   std::string m_file;
   std::string m_type;
   std::string m_scope;
-  CLI::Option* m_type_option = nullptr;
-  CLI::Option* m_scope_option = nullptr;
+  OPTION_SYNTAX m_type_option;
+  OPTION_SYNTAX m_scope_option;
   BLOCK::BLOCK_TYPE m_block_type = BLOCK::BT_UNKNOWN;
   bool m_has_parameters = false;
   bool m_is_json = false;

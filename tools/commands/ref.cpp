@@ -25,15 +25,12 @@ class REF_COMMAND : public EDIT_COMMAND {
   REF_COMMAND() : EDIT_COMMAND("ref", "Set or remove references", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
-    CLI::Option* const name =
-        command.add_option("NAME", m_name, "Full name of a reference statement")->type_name("");
-    command.add_option("TARGET", m_targets, "Full names of what it is to refer to")->type_name("");
-    command.add_option("--remove", m_removed, "Remove all references to this object")
-        ->type_name("TARGET")
-        ->allow_extra_args(false)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->excludes(name);
+  void declare_edit(const COMMAND_SYNTAX& command) override {
+    const OPTION_SYNTAX name =
+        command.add_positional("NAME", m_name, "Full name of a reference statement");
+    command.add_positional("TARGET", m_targets, "Full names of what it is to refer to");
+    command.add_option("--remove", "TARGET", m_removed, "Remove all references to this object")
+        .excludes(name);
     m_place.declare(command);
   }
 

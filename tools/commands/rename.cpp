@@ -23,13 +23,9 @@ class RENAME_COMMAND : public EDIT_COMMAND {
   RENAME_COMMAND() : EDIT_COMMAND("rename", "Give a block or parameter another name", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
-    command.add_option("NAME", m_name, "Full name of a block or parameter")
-        ->required()
-        ->type_name("");
-    command.add_option("NEW_NAME", m_new_name, "Its new name in its block")
-        ->required()
-        ->type_name("");
+  void declare_edit(const COMMAND_SYNTAX& command) override {
+    command.add_positional("NAME", m_name, "Full name of a block or parameter").required();
+    command.add_positional("NEW_NAME", m_new_name, "Its new name in its block").required();
     command.add_flag("--no-references", m_without_references, "Leave references as they are");
   }
 

@@ -32,11 +32,11 @@ class SET_COMMAND : public EDIT_COMMAND {
   SET_COMMAND() : EDIT_COMMAND("set", "Give parameters values", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
+  void declare_edit(const COMMAND_SYNTAX& command) override {
     command
-        .add_option("NAME", m_pairs, "Full name of a parameter, and its value, any number of times")
-        ->required()
-        ->type_name("VALUE");
+        .add_positionals("NAME", "VALUE", m_pairs,
+                         "Full name of a parameter, and its value, any number of times")
+        .required();
     m_place.declare(command);
   }
 

@@ -23,21 +23,20 @@ constexpr char k_examples[] =
 
 class SHOW_COMMAND : public COMMAND {
  public:
-  CLI::App* declare(CLI::App& tool) override {
-    CLI::App* const command = tool.add_subcommand("show", "Print the tree of a file");
-    add_file(*command, m_file);
-    m_name_option =
-        command->add_option("NAME", m_name, "Print this block or parameter only")->type_name("");
-    command->add_flag("--json", m_is_json, "Print JSON, with the places in the file");
-    add_color(*command, m_colors);
-    command->footer(k_examples);
+  COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
+    const COMMAND_SYNTAX command = tool.add_command("show", "Print the tree of a file");
+    add_file(command, m_file);
+    m_name_option = command.add_positional("NAME", m_name, "Print this block or parameter only");
+    command.add_flag("--json", m_is_json, "Print JSON, with the places in the file");
+    add_color(command, m_colors);
+    command.set_footer(k_examples);
     return command;
   }
 
   void run(SESSION& session) override {
     const auto descriptor = read_faultless(session, m_file, m_colors);
     if (descriptor == nullptr) return;
-    if (m_name_option->empty()) {
+    if (!m_name_option.is_given()) {
       const NODE* const root = descriptor->document.get_parser_para().root;
       print(session, *descriptor, TREE_WALK(root, TREE_WALK::EXTENT::WITH_SIBLINGS));
       return;
@@ -63,7 +62,7 @@ class SHOW_COMMAND : public COMMAND {
     json.count(k_json_version);
     json.key("file");
     json.text(descriptor.name);
-    if (!m_name_option->empty()) {
+    if (m_name_option.is_given()) {
       json.key("name");
       json.text(full_name(descriptor.document, *walk.node()));
     }
@@ -75,7 +74,7 @@ class SHOW_COMMAND : public COMMAND {
 
   std::string m_file;
   std::string m_name;
-  CLI::Option* m_name_option = nullptr;
+  OPTION_SYNTAX m_name_option;
   bool m_is_json = false;
   COLOR_CHOICE m_colors = COLOR_CHOICE::AUTO;
 };

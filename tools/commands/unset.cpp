@@ -23,8 +23,8 @@ class UNSET_COMMAND : public EDIT_COMMAND {
   UNSET_COMMAND() : EDIT_COMMAND("unset", "Remove parameters", k_footer) {}
 
  private:
-  void declare_edit(CLI::App& command) override {
-    command.add_option("NAME", m_names, "Full names of parameters")->required()->type_name("");
+  void declare_edit(const COMMAND_SYNTAX& command) override {
+    command.add_positional("NAME", m_names, "Full names of parameters").required();
     command.add_flag("--with-references", m_with_references, "Remove the references to them, too");
   }
 
