@@ -53,6 +53,12 @@ class SBD_API SBD_VELDRAN : public SBD_FILE_PARSER {
   // The same for a text of `length` bytes that the caller holds; see SBD_FILE_PARSER.
   bool read_text(const char* text, std::size_t length, const char* name) override;
 
+  // Binds the object to another device block of the document that it holds, and goes on as read
+  // does behind the reading: what there was of the device before is gone, and the result and the
+  // messages are those of read. Null or "" binds it to none. For files that describe several
+  // devices; the document itself stays as it is.
+  bool select_device(const char* device_name) noexcept;
+
   // Checks the device block; read calls it. Posts SBD_VEL_DEVICE_ERROR when there is no device
   // block of the name. Otherwise looks at both `family` and `type` and sets family, processor and
   // chip by them; a text that is not known sets them to unknown, a missing one leaves them. Posts

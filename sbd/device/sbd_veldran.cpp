@@ -102,6 +102,18 @@ bool SBD_VELDRAN::read_text(const char* text, std::size_t length, const char* na
   return SBD_FILE_PARSER::read_text(text, length, name) && read_device();
 }
 
+bool SBD_VELDRAN::select_device(const char* device_name) noexcept {
+  drop_reader();
+  // A device that does not state them must not have those of the one before.
+  set_family(DF_UNKNOWN);
+  m_chip_type = CT_UNKNOWN;
+  const bool has_name = sbd_guarded(k_source_veldran, false, [this, device_name] {
+    m_device_name = device_name != nullptr ? device_name : "";
+    return true;
+  });
+  return has_name && read_device();
+}
+
 bool SBD_VELDRAN::read_device() {
   return sbd_guarded(k_source_veldran, false, [this] {
     if (m_device_name.empty() || !has_block(m_parser_para.root)) {
