@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "sbd/sbd_file_parser.h"
+#include "sbd/sbd_veldran.h"
 #include "tools/exit_code.h"
 #include "tools/findings.h"
 #include "tools/session.h"
@@ -22,7 +22,8 @@ struct DESCRIPTOR {
   std::string name;    // As messages call the file.
   std::string source;  // What was read, with or without faults.
   FINDINGS findings;
-  SBD_FILE_PARSER document;  // Empty unless the file is without fault.
+  // Empty unless the format of the file is without fault; bound to no device at first.
+  SBD_VELDRAN document{nullptr};
   EXIT_CODE outcome = EXIT_UNUSABLE;
 };
 

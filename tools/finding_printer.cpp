@@ -31,12 +31,12 @@ class FINDING_PRINTER {
   void print(const FINDING& finding) {
     print_message(finding);
     if (finding.place) print_excerpt(*finding.place, style_of(finding.severity));
-    if (!finding.note.empty()) print_note(finding.note);
+    if (!finding.note.empty()) print_note(finding.note, finding.note_place);
   }
 
-  void print_note(std::string_view text) {
-    m_output.write_line(paint_head(m_file) + m_painter.paint(STYLE::NOTE, "note:") + " " +
-                        make_visible(text));
+  void print_note(std::string_view text, const std::optional<SOURCE_RANGE>& place) {
+    m_output.write_line(paint_head(name_place(place)) + m_painter.paint(STYLE::NOTE, "note:") +
+                        " " + make_visible(text));
   }
 
  private:
@@ -44,9 +44,13 @@ class FINDING_PRINTER {
     return m_painter.paint(STYLE::PLACE, fmt::format("{}:", place)) + " ";
   }
 
+  // "file" or "file:line:column".
+  std::string name_place(const std::optional<SOURCE_RANGE>& place) const {
+    return place ? fmt::format("{}:{}:{}", m_file, place->line, place->column) : m_file;
+  }
+
   void print_message(const FINDING& finding) {
-    std::string place = m_file;
-    if (finding.place) place += fmt::format(":{}:{}", finding.place->line, finding.place->column);
+    const std::string place = name_place(finding.place);
     const std::string severity = fmt::format("{}:", name_of(finding.severity));
     std::string line = paint_head(place) + m_painter.paint(style_of(finding.severity), severity);
     line += " " + make_visible(finding.text, k_widest_message);
@@ -81,7 +85,7 @@ void print_findings(OUTPUT& output, const PAINTER& painter, std::string_view fil
   FINDING_PRINTER printer(output, painter, file, source);
   for (const FINDING& finding : findings.list) printer.print(finding);
   if (findings.omitted_count != 0) {
-    printer.print_note(fmt::format("{} more not shown", findings.omitted_count));
+    printer.print_note(fmt::format("{} more not shown", findings.omitted_count), std::nullopt);
   }
 }
 

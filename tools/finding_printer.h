@@ -15,6 +15,7 @@ namespace sbd_tool {
 //   file:line:column: error: text [KEY]
 //       12 |     the line
 //          |     ^~~
+//   file:line:column: note: cause
 //
 // `source` is what was read from the file.
 void print_findings(OUTPUT& output, const PAINTER& painter, std::string_view file,

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <utility>
 
 #include "tools/visible_text.h"
 
@@ -45,9 +46,19 @@ void take_internal_error(const sbd_host::INTERNAL_ERROR& error) noexcept {
 
 }  // namespace
 
+FINDING* FINDINGS::add(FINDING finding, std::size_t limit) {
+  ++(finding.severity == SEVERITY::ERROR ? error_count : warning_count);
+  if (limit != 0 && list.size() >= limit) {
+    ++omitted_count;
+    return nullptr;
+  }
+  list.push_back(std::move(finding));
+  return &list.back();
+}
+
 FINDING_COLLECTOR::FINDING_COLLECTOR(const SBD_FILE_PARSER& reader, std::size_t limit,
-                                     FINDINGS& findings)
-    : m_reader(reader), m_limit(limit), m_findings(findings) {
+                                     FINDINGS& findings, EXPLAIN explain)
+    : m_reader(reader), m_limit(limit), m_findings(findings), m_explain(std::move(explain)) {
   t_collector = this;
 }
 
@@ -57,18 +68,14 @@ FINDING_COLLECTOR::~FINDING_COLLECTOR() {
 
 void FINDING_COLLECTOR::take(const sbd_host::MESSAGE& message) {
   if (message.severity == SEVERITY::DEBUG) return;
-  ++(message.severity == SEVERITY::ERROR ? m_findings.error_count : m_findings.warning_count);
-  if (m_limit != 0 && m_findings.list.size() >= m_limit) {
-    ++m_findings.omitted_count;
-    return;
-  }
   FINDING finding;
   finding.severity = message.severity;
   finding.key = message.key;
   finding.text = message.text;
   SOURCE_RANGE place;
   if (m_reader.get_fault_range(place)) finding.place = place;
-  m_findings.list.push_back(std::move(finding));
+  FINDING* const kept = m_findings.add(std::move(finding), m_limit);
+  if (kept != nullptr && m_explain) m_explain(*kept);
 }
 
 void install_handlers() {

@@ -3,6 +3,7 @@
 #define TOOLS_FINDINGS_H
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,7 +22,9 @@ struct FINDING {
   std::string key;
   std::string text;
   std::optional<SOURCE_RANGE> place;
-  std::string note;  // What the tool knows besides; may be empty.
+  std::string note;  // What the tool knows besides, such as the cause; may be empty.
+  std::optional<SOURCE_RANGE> note_place;  // What the note is about, if that is elsewhere.
+  std::string device;  // The device block whose rules were not kept; empty for the format's.
 };
 
 // All messages about a file, in the order they came.
@@ -32,13 +35,21 @@ struct FINDINGS {
   std::size_t warning_count = 0;
 
   bool empty() const { return error_count == 0 && warning_count == 0; }
+
+  // Counts a finding, and keeps it while there are fewer than `limit` (0: in any case). Returns it
+  // as kept, or null.
+  FINDING* add(FINDING finding, std::size_t limit);
 };
 
 // While it lives, takes what the library posts in this thread. One at a time per thread.
 class FINDING_COLLECTOR {
  public:
+  // Completes a finding that is kept, while its message is posted.
+  using EXPLAIN = std::function<void(FINDING& finding)>;
+
   // Keeps the places that `reader` gives, and the first `limit` messages (0: all of them).
-  FINDING_COLLECTOR(const SBD_FILE_PARSER& reader, std::size_t limit, FINDINGS& findings);
+  FINDING_COLLECTOR(const SBD_FILE_PARSER& reader, std::size_t limit, FINDINGS& findings,
+                    EXPLAIN explain = nullptr);
   ~FINDING_COLLECTOR();
   FINDING_COLLECTOR(const FINDING_COLLECTOR&) = delete;
   FINDING_COLLECTOR& operator=(const FINDING_COLLECTOR&) = delete;
@@ -49,6 +60,7 @@ class FINDING_COLLECTOR {
   const SBD_FILE_PARSER& m_reader;
   std::size_t m_limit;
   FINDINGS& m_findings;
+  EXPLAIN m_explain;
 };
 
 // Makes the library's messages go to the collector of the thread that posts them, and its internal

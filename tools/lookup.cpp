@@ -48,12 +48,16 @@ std::string_view description_of(WANTED wanted) {
   return "block or parameter";
 }
 
-std::string suggest_names(const SBD_FILE_PARSER& document, const std::string& name, WANTED wanted) {
+std::string ask_for(const std::vector<std::string>& names) {
   std::string text;
-  for (const std::string& near_name : find_near_names(document, name, wanted)) {
-    text += (text.empty() ? "did you mean " : " or ") + quote_name(near_name);
+  for (const std::string& name : names) {
+    text += (text.empty() ? "did you mean " : " or ") + quote_name(name);
   }
   return text.empty() ? text : text + "?";
+}
+
+std::string suggest_names(const SBD_FILE_PARSER& document, const std::string& name, WANTED wanted) {
+  return ask_for(find_near_names(document, name, wanted));
 }
 
 const NODE* find_wanted(SESSION& session, const DESCRIPTOR& descriptor, const std::string& name,

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/descriptor.h"
 #include "tools/names.h"
@@ -17,7 +18,10 @@ std::string quote_name(std::string_view name);
 // "block", "parameter", or both.
 std::string_view description_of(WANTED wanted);
 
-// "did you mean 'a' or 'b'?"; empty when nothing looks like the name.
+// "did you mean 'a' or 'b'?"; empty for no names.
+std::string ask_for(const std::vector<std::string>& names);
+
+// The same for names that look like `name`.
 std::string suggest_names(const SBD_FILE_PARSER& document, const std::string& name, WANTED wanted);
 
 // The node named `name`. When there is none, or one that is not wanted, says so on standard error,

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 namespace sbd_tool {
 
 namespace {
 
 constexpr std::size_t k_most_suggestions = 3;
+constexpr std::size_t k_most_exact = 10;
 // Help must not take longer than the question is worth.
 constexpr std::size_t k_most_members = 100000;
 constexpr std::size_t k_most_nodes = 1000000;
@@ -114,6 +116,30 @@ std::vector<std::string> find_misplaced(const SBD_FILE_PARSER& document, std::st
   return names;
 }
 
+std::vector<std::string> find_similar(const std::vector<std::string>& names,
+                                      std::string_view name) {
+  if (name.empty() || name.size() > k_longest_name) return {};
+  const bool has_blocks = name.find('.') != std::string_view::npos;
+  const std::size_t farthest = (name.size() + 1) / 3;
+  std::vector<std::pair<std::size_t, std::string_view>> found;
+  for (const std::string_view one : names) {
+    std::size_t distance = edit_distance(one, name);
+    const std::string_view last = one.substr(one.rfind('.') + 1);
+    if (!has_blocks) distance = std::min(distance, edit_distance(last, name));
+    if (distance <= farthest) found.emplace_back(distance, one);
+  }
+  std::stable_sort(found.begin(), found.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> near;
+  for (const auto& [distance, one] : found) {
+    // What fits exactly is listed as far as anybody reads it, and what fits best hides the rest.
+    const std::size_t most = distance == 0 ? k_most_exact : k_most_suggestions;
+    if (near.size() >= most || distance != found.front().first) break;
+    near.emplace_back(one);
+  }
+  return near;
+}
+
 }  // namespace
 
 std::size_t edit_distance(std::string_view a, std::string_view b) {
@@ -135,6 +161,16 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
     }
   }
   return row[b.size()];
+}
+
+std::vector<std::string> find_near_texts(const std::vector<std::string>& names,
+                                         std::string_view name) {
+  for (;;) {
+    std::vector<std::string> near = find_similar(names, name);
+    const std::size_t dot = name.find('.');
+    if (!near.empty() || dot == std::string_view::npos) return near;
+    name.remove_prefix(dot + 1);
+  }
 }
 
 std::vector<std::string> find_near_names(const SBD_FILE_PARSER& document, const std::string& name,

@@ -33,6 +33,8 @@ constexpr char k_footer[] =
     "  sbd show board.sbd stripe\n"
     "  sbd get board.sbd stripe.pll1.clock\n"
     "  sbd list --type module board.sbd\n"
+    "  sbd params board.sbd sdram\n"
+    "  sbd explain sdram.data_width\n"
     "  sbd set board.sbd stripe.pll1.clock 50MHz\n"
     "  sbd fmt --check boards/*.sbd\n"
     "  sbd COMMAND --help";
@@ -50,6 +52,9 @@ class TOOL {
     declare(make_show_command());
     declare(make_get_command());
     declare(make_list_command());
+    declare(make_params_command());
+    declare(make_clocks_command());
+    declare(make_explain_command());
     declare(make_set_command());
     declare(make_unset_command());
     declare(make_ref_command());

@@ -8,18 +8,24 @@
 #include "tools/commands/command.h"
 #include "tools/commands/options.h"
 #include "tools/descriptor.h"
+#include "tools/device_view.h"
 #include "tools/finding_printer.h"
 #include "tools/input.h"
+#include "tools/visible_text.h"
 
 namespace sbd_tool {
 
 namespace {
 
 constexpr char k_examples[] =
-    "Prints every finding with its place, and ends with exit code 1 when there is an error.\n"
+    "Checks the format and then, by the rules of the chip, each device block, or the ones that\n"
+    "--device names. Prints every finding with its place and its cause, and ends with exit code 1\n"
+    "when there is an error.\n"
     "\n"
     "Examples:\n"
     "  sbd check board.sbd\n"
+    "  sbd check --device io_board rack.sbd\n"
+    "  sbd check --format-only fragments/*.sbd\n"
     "  sbd check -v boards/*.sbd\n"
     "  sbd check -q board.sbd && echo fine\n"
     "  generate_board | sbd check -";
@@ -56,9 +62,17 @@ class CHECK_COMMAND : public COMMAND {
   COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
     const COMMAND_SYNTAX command = tool.add_command("check", "Say what is wrong with files");
     command.add_positional("FILE", m_files, "Descriptor files; \"-\" is standard input").required();
+    const OPTION_SYNTAX format_only = command.add_flag(
+        "--format-only", m_is_format_only, "Do not look at what the format means to a device");
+    command
+        .add_option("--device", "NAME", m_devices, "Check this device block only; may be repeated")
+        .excludes(format_only);
     const OPTION_SYNTAX quiet =
         command.add_flag("-q,--quiet", m_is_quiet, "Print nothing: the exit code says it all");
-    command.add_flag("-v,--verbose", m_is_verbose, "Print a summary in any case").excludes(quiet);
+    command
+        .add_flag("-v,--verbose", m_is_verbose,
+                  "Say what was checked, and print a summary in any case")
+        .excludes(quiet);
     command.add_count(
         "--max-findings", "N", "findings", m_finding_limit,
         fmt::format("Print so many findings of each file (0: all of them; default: {})",
@@ -81,12 +95,59 @@ class CHECK_COMMAND : public COMMAND {
  private:
   FINDINGS check(SESSION& session, const std::string& file) {
     const auto descriptor = read_descriptor(file, m_finding_limit);
+    const bool has_good_format = descriptor->outcome == EXIT_FINE;
+    std::vector<std::string> reports;
+    if (has_good_format && !m_is_format_only) check_devices(*descriptor, reports);
     session.note(descriptor->outcome);
     if (!m_is_quiet) {
       print_findings(session.out(), make_painter(m_colors, session.out()), descriptor->name,
                      descriptor->source, descriptor->findings);
     }
+    if (has_good_format) print_reports(session, *descriptor, reports);
     return std::move(descriptor->findings);
+  }
+
+  void check_devices(DESCRIPTOR& descriptor, std::vector<std::string>& reports) const {
+    const std::vector<std::string> names =
+        m_devices.empty() ? list_devices(descriptor.document) : m_devices;
+    for (const std::string& name : names) {
+      const std::size_t findings_before =
+          descriptor.findings.error_count + descriptor.findings.warning_count;
+      const bool has_parameters = open_device(descriptor, name, m_finding_limit);
+      const std::size_t count =
+          descriptor.findings.error_count + descriptor.findings.warning_count - findings_before;
+      reports.push_back(report(descriptor.document, name, has_parameters, count));
+    }
+  }
+
+  // What was looked at; without it nobody could tell a fine device from one that was passed over.
+  static std::string report(const SBD_VELDRAN& device, const std::string& name, bool has_parameters,
+                            std::size_t finding_count) {
+    std::string text = fmt::format("device {}", name);
+    SBD_STRING chip;
+    if (device.get_chip_type_name(chip)) text += fmt::format(" ({})", chip.c_str());
+    const std::string found =
+        finding_count == 0 ? std::string("fine") : count_of(finding_count, "finding");
+    if (!has_parameters) return fmt::format("{}: no parameters checked, {}", text, found);
+    SBD_STRING_LIST parameters;
+    sbd_get_parameter_names(device.get_chip_type(), parameters);
+    return fmt::format("{}: {} checked, {}", text, count_of(parameters.size(), "parameter"), found);
+  }
+
+  void print_reports(SESSION& session, const DESCRIPTOR& descriptor,
+                     const std::vector<std::string>& reports) const {
+    // With several devices, findings alone would not tell which of them are fine.
+    const bool is_unclear = m_devices.empty() && reports.size() > 1 && !descriptor.findings.empty();
+    if (m_is_quiet || !(m_is_verbose || is_unclear)) return;
+    session.out().flush();
+    const std::string file = make_visible(descriptor.name);
+    for (const std::string& line : reports) {
+      session.err().write_line(fmt::format("{}: {}", file, make_visible(line)));
+    }
+    if (reports.empty()) {
+      session.err().write_line(fmt::format("{}: only the format checked{}", file,
+                                           m_is_format_only ? "" : ", there is no device block"));
+    }
   }
 
   void print_summary(SESSION& session, const TOTALS& totals) {
@@ -97,6 +158,8 @@ class CHECK_COMMAND : public COMMAND {
   }
 
   std::vector<std::string> m_files;
+  std::vector<std::string> m_devices;
+  bool m_is_format_only = false;
   std::size_t m_finding_limit = k_default_finding_limit;
   bool m_is_quiet = false;
   bool m_is_verbose = false;

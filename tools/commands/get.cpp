@@ -11,13 +11,12 @@
 #include "tools/json_tree.h"
 #include "tools/lookup.h"
 #include "tools/notation.h"
+#include "tools/parameter_kind.h"
 #include "tools/visible_text.h"
 
 namespace sbd_tool {
 
 namespace {
-
-using STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 
 constexpr char k_examples[] =
     "Prints numbers scaled by their unit, texts without quotes, the full names that references\n"
@@ -29,48 +28,15 @@ constexpr char k_examples[] =
     "  sbd get --as raw board.sbd stripe.sram.size\n"
     "  sbd get --json board.sbd stripe.names";
 
-// What a parameter holds.
-enum class KIND { NUMBER, STRING, BOOL, LIST, REFS };
-
-KIND kind_of_parameter(const STATEMENT& statement) {
-  if (statement.type == STATEMENT::ST_REFERENCE) return KIND::REFS;
-  switch (statement.value->type) {
-    case VALUE::VT_BOOL:
-      return KIND::BOOL;
-    case VALUE::VT_STRING:
-      return KIND::STRING;
-    case VALUE::VT_LIST:
-      return KIND::LIST;
-    default:
-      return KIND::NUMBER;
-  }
-}
-
-std::string_view description_of(KIND kind) {
-  switch (kind) {
-    case KIND::NUMBER:
-      return "a number";
-    case KIND::STRING:
-      return "a string";
-    case KIND::BOOL:
-      return "a Boolean";
-    case KIND::LIST:
-      return "a list";
-    case KIND::REFS:
-      break;
-  }
-  return "a reference";
-}
-
 // What --as can ask for besides the notation of the file.
 struct FORM {
   const char* name;
-  KIND kind;
+  PARAMETER_KIND kind;
 };
-constexpr std::array<FORM, 4> k_forms = {{{"number", KIND::NUMBER},
-                                          {"string", KIND::STRING},
-                                          {"bool", KIND::BOOL},
-                                          {"refs", KIND::REFS}}};
+constexpr std::array<FORM, 4> k_forms = {{{"number", PARAMETER_KIND::NUMBER},
+                                          {"string", PARAMETER_KIND::STRING},
+                                          {"bool", PARAMETER_KIND::BOOL},
+                                          {"refs", PARAMETER_KIND::REFS}}};
 constexpr char k_raw[] = "raw";
 
 std::vector<std::string> target_names(const SBD_FILE_PARSER& document, const STATEMENT& statement) {
@@ -82,31 +48,17 @@ std::vector<std::string> target_names(const SBD_FILE_PARSER& document, const STA
   return names;
 }
 
-// The value as it stands in the file: an expression, or references with their brackets.
-std::string_view get_raw(const SBD_FILE_PARSER& document, const NODE& node) {
-  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
-  const std::string_view source = document.get_source();
-  if (node.statement->type == STATEMENT::ST_ASSIGNMENT) {
-    if (!document.get_range(node.statement->value, range)) return {};
-    return source.substr(range.offset, range.length);
-  }
-  if (!document.get_range(&node, range)) return {};
-  const std::string_view statement = source.substr(range.offset, range.length);
-  const std::size_t begin = statement.find('<');
-  return statement.substr(begin, statement.rfind('>') + 1 - begin);
-}
-
 std::string get_text(const SBD_FILE_PARSER& document, const STATEMENT& statement) {
   switch (kind_of_parameter(statement)) {
-    case KIND::NUMBER:
+    case PARAMETER_KIND::NUMBER:
       return get_scaled_number(*statement.value);
-    case KIND::STRING:
+    case PARAMETER_KIND::STRING:
       return std::string(get_unquoted(*statement.value));
-    case KIND::BOOL:
+    case PARAMETER_KIND::BOOL:
       return statement.value->flag != 0 ? "true" : "false";
-    case KIND::LIST:
+    case PARAMETER_KIND::LIST:
       return get_notation(document, *statement.value);
-    case KIND::REFS:
+    case PARAMETER_KIND::REFS:
       break;
   }
   std::string text;
@@ -148,7 +100,7 @@ class GET_COMMAND : public COMMAND {
     const NODE* const node = find_wanted(session, *descriptor, m_name, WANTED::PARAMETER);
     if (node == nullptr || !has_asked_kind(session, *descriptor, *node)) return;
     if (m_as == k_raw) {
-      print_raw(session.out(), get_raw(descriptor->document, *node));
+      print_raw(session.out(), get_written(descriptor->document, *node));
     } else {
       print_value(session.out(), descriptor->document, *node->statement);
     }
@@ -157,7 +109,7 @@ class GET_COMMAND : public COMMAND {
  private:
   bool has_asked_kind(SESSION& session, const DESCRIPTOR& descriptor, const NODE& node) {
     if (!m_as_option.is_given() || m_as == k_raw) return true;
-    const KIND kind = kind_of_parameter(*node.statement);
+    const PARAMETER_KIND kind = kind_of_parameter(*node.statement);
     for (const FORM& form : k_forms) {
       if (m_as != form.name) continue;
       if (kind == form.kind) return true;
