@@ -34,7 +34,8 @@ struct FINDINGS {
   std::size_t error_count = 0;    // With the omitted ones.
   std::size_t warning_count = 0;
 
-  bool empty() const { return error_count == 0 && warning_count == 0; }
+  std::size_t count() const { return error_count + warning_count; }
+  bool empty() const { return count() == 0; }
 
   // Counts a finding, and keeps it while there are fewer than `limit` (0: in any case). Returns it
   // as kept, or null.

@@ -64,9 +64,11 @@ const std::vector<MESSAGE_HELP>& list_messages() {
       {4, "ESBD_SBD_REFERENCE_ERROR", "a reference leads nowhere",
        "The name between \"<\" and \">\" is that of no block and no parameter. Names are looked "
        "for "
-       "in the block of the statement first and then in the blocks around it.",
-       "Write the full name of the target, beginning at the top level. sbd list --parameters shows "
-       "the names of a file without faults; remove the reference for a moment to get there.",
+       "from the top level down; one that begins with a dot is looked for in the block of the "
+       "statement.",
+       "Write the full name of the target, such as board.stripe.clocks, or .divider for a "
+       "neighbour "
+       "of the statement. sbd list --parameters shows the names of a file without faults.",
        EXAMPLE::FILE, "device board\n{\n    clock = 50MHz;\n    source < board.clok >;\n}\n",
        "device board\n{\n    clock = 50MHz;\n    source < board.clock >;\n}\n"},
       {5, "ESBD_SBD_BLOCK_ERROR", "a block has no known type or stands in the wrong place",
@@ -148,10 +150,8 @@ const std::vector<MESSAGE_HELP>& list_messages() {
        "library's device layer is refused, too.",
        "Nothing is wrong with the file as such: check it with --format-only, or name the other "
        "devices of the file with --device.",
-       EXAMPLE::FILE,
-       "device board\n{\n    family = veldran_mips;\n    type = qmxm10;\n"
-       "    module stripe { type = veldran_stripe; }\n}\n",
-       "device board\n{\n    family = veldran_mips;\n    type = qmxm10;\n}\n"},
+       EXAMPLE::COMMAND, "sbd check rack.sbd\n",
+       "sbd check --device control_board --device io_board rack.sbd\n"},
       {0, k_no_stripe_key, "the device has no stripe module",
        "Parameters are looked for in the one module block with the type veldran_stripe. The device "
        "block has none, so nothing but its family and type was checked.",

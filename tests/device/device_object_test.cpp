@@ -535,6 +535,75 @@ TEST_F(DEVICE_OBJECT, OnlyTheOwnDevicesStripeCounts) {
   expect_no_reader();
 }
 
+// ---- Turning to another device
+// -------------------------------------------------------------------
+
+TEST_F(DEVICE_OBJECT, SelectedDevicesAreReadAsIfBoundFromTheStart) {
+  const std::string other = "device other {\nfamily = veldran_arm; type = qmxa10;\nmodule m {\n" +
+                            std::string(GOOD_STRIPE) + "endian = middle;\n}\n}\n";
+  bind(nullptr);
+  EXPECT_TRUE(read(board_of("veldran_arm", "qmxa4") + other));
+  EXPECT_EQ(m_device->get_parameter_reader(), nullptr);
+  for (int round = 0; round != 2; ++round) {
+    m_recorder.forget();
+    EXPECT_TRUE(m_device->select_device("BOARD"));
+    EXPECT_TRUE(m_recorder.is_silent());
+    EXPECT_EQ(plain(m_device->get_device_name()), "BOARD");
+    expect_types(SBD_VELDRAN::DF_ARM, SBD_VELDRAN::CT_QMXA4);
+    expect_reader();
+    EXPECT_EQ(m_device->get_parameter_faults().size(), 0u);
+
+    m_recorder.forget();
+    EXPECT_FALSE(m_device->select_device("other"));
+    EXPECT_EQ(posted(m_recorder), TEXTS{invalid("endian")});
+    expect_types(SBD_VELDRAN::DF_ARM, SBD_VELDRAN::CT_QMXA10);
+    expect_reader();
+    EXPECT_EQ(m_device->get_parameter_faults().size(), 1u);
+  }
+}
+
+TEST_F(DEVICE_OBJECT, SelectedDeviceHasNothingOfTheOneBefore) {
+  EXPECT_TRUE(read(board_of("veldran_arm", "qmxa4") + "device bare { x = 1; }\n" +
+                   "device typed { type = qmxm4; }\n"));
+  m_recorder.forget();
+  EXPECT_FALSE(m_device->select_device("bare"));
+  EXPECT_EQ(posted(m_recorder), (TEXTS{no_family_error("bare"), NO_TYPE}));
+  expect_types(SBD_VELDRAN::DF_UNKNOWN, SBD_VELDRAN::CT_UNKNOWN);
+  expect_no_reader();
+  EXPECT_TRUE(m_device->select_device("board"));
+  m_recorder.forget();
+  // With the family of the one before, this would be a mismatch, too.
+  EXPECT_FALSE(m_device->select_device("typed"));
+  EXPECT_EQ(posted(m_recorder), TEXTS{no_family_error("typed")});
+  expect_types(SBD_VELDRAN::DF_UNKNOWN, SBD_VELDRAN::CT_QMXM4);
+}
+
+TEST_F(DEVICE_OBJECT, SelectingNoDeviceLeavesTheFormat) {
+  for (const char* const nothing : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_TRUE(read(board_of("veldran_arm", "qmxa4")));
+    EXPECT_TRUE(m_device->select_device(nothing));
+    EXPECT_TRUE(m_recorder.is_silent());
+    expect_types(SBD_VELDRAN::DF_UNKNOWN, SBD_VELDRAN::CT_UNKNOWN);
+    expect_no_reader();
+    EXPECT_NE(m_device->get_para_value("board", "family"), nullptr);
+    bind("board");
+  }
+}
+
+TEST_F(DEVICE_OBJECT, SelectingInAnEmptyDocumentIsGood) {
+  EXPECT_TRUE(m_device->select_device("any"));
+  EXPECT_TRUE(read(""));
+  EXPECT_TRUE(m_device->select_device("any"));
+  EXPECT_TRUE(m_recorder.is_silent());
+}
+
+TEST_F(DEVICE_OBJECT, SelectingAnUnknownDevice) {
+  EXPECT_TRUE(read(board_of("veldran_arm", "qmxa4")));
+  EXPECT_FALSE(m_device->select_device("broad"));
+  EXPECT_EQ(posted(m_recorder), TEXTS{no_device_error("broad")});
+  expect_no_reader();
+}
+
 TEST_F(DEVICE_OBJECT, SeveralStripesArePostedButGood) {
   for (const std::string& modules :
        {module_of("a", "veldran_stripe") + module_of("b", "veldran_stripe"),

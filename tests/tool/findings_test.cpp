@@ -43,6 +43,21 @@ std::string faulty_text(std::size_t count) {
   return text + "}\n";
 }
 
+TEST_F(FINDING_TEST, KeptOnesAreExplainedWhileTheyArePosted) {
+  FINDINGS findings;
+  SBD_FILE_PARSER document;
+  std::size_t explained = 0;
+  const FINDING_COLLECTOR collector(document, 2, findings, [&explained](FINDING& finding) {
+    finding.note = "note " + std::to_string(++explained);
+  });
+  const std::string text = faulty_text(3);
+  document.read_text(text.data(), text.size(), "test.sbd");
+  EXPECT_EQ(explained, 2U);
+  ASSERT_EQ(findings.list.size(), 2U);
+  EXPECT_EQ(findings.list[1].note, "note 2");
+  EXPECT_EQ(findings.omitted_count, 1U);
+}
+
 TEST_F(FINDING_TEST, HasTextKeyAndPlace) {
   const FINDINGS findings = read("device d {\n  x = 08;\n}\n");
   ASSERT_EQ(findings.list.size(), 1U);
@@ -179,6 +194,18 @@ TEST(FINDING_PRINTER, PlacesNotesAndKeysMayBeMissing) {
             "a.sbd: warning: odd\\nthing\n"
             "a.sbd: note: why\n"
             "a.sbd: note: 3 more not shown\n");
+}
+
+TEST(FINDING_PRINTER, NotesMayHaveAPlace) {
+  FINDINGS findings;
+  findings.list.push_back(finding_at(0, 1, 1, 1));
+  findings.list[0].note = "why";
+  findings.list[0].note_place = finding_at(0, 1, 7, 3).place;
+  EXPECT_EQ(print(findings, "x"),
+            "a.sbd:1:1: error: wrong [EKEY]\n"
+            "     1 | x\n"
+            "       | ^\n"
+            "a.sbd:7:3: note: why\n");
 }
 
 TEST(FINDING_PRINTER, ColorsTheImportantParts) {

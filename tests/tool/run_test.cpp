@@ -202,6 +202,28 @@ TEST_F(TOOL, ListsWhatTheLibraryFinds) {
   }
 }
 
+// ---- Many devices ------------------------------------------------------------------------------
+
+TEST_F(TOOL, ManyDevicesAreCheckedInOnePass) {
+  constexpr int k_count = 3000;
+  std::string text;
+  for (int i = 0; i != k_count; ++i) {
+    text += fmt::format(
+        "device d{} {{ family = veldran_arm; type = qmxa4; module m {{ type = veldran_stripe;\n"
+        "parameters clocks {{ input_clock_frequency = {}; pll_ahb_bypass = true;"
+        " pll_sdram_bypass = true; }}\nparameters ebi {{ enabled = false; }}"
+        " parameters dpram {{ mode[0] = no_ports; }} }} }}\n",
+        i, i % 1000);  // Every thousandth one has no clock.
+  }
+  write("many.sbd", text);
+  const TOOL_RUN checked = run("sbd check many.sbd");
+  EXPECT_EQ(checked.exit_code, 1);
+  EXPECT_NE(checked.out.find("many.sbd:6002:"), std::string::npos) << checked.out;
+  EXPECT_EQ(checked.err.rfind("many.sbd: devices with findings: d0, d1000, d2000; fine: d1, ", 0),
+            0U);
+  EXPECT_NE(checked.err.find(" and 2977 more\n"), std::string::npos) << checked.err;
+}
+
 // ---- Deep nesting ------------------------------------------------------------------------------
 
 class TOOL_DEPTH : public TOOL {
@@ -215,9 +237,20 @@ class TOOL_DEPTH : public TOOL {
 };
 
 TEST_F(TOOL_DEPTH, Check) {
-  const TOOL_RUN checked = run("sbd check blocks.sbd");
+  const TOOL_RUN checked = run("sbd check --format-only blocks.sbd");
   EXPECT_EQ(checked.exit_code, 0);
   EXPECT_EQ(checked.out + checked.err, "");
+}
+
+TEST_F(TOOL_DEPTH, CheckDevice) {
+  write("device.sbd", "device d { family = veldran_arm; type = qmxa1;\n" +
+                          repeat("module m {\n", k_depth) +
+                          "type = veldran_stripe; parameters ebi { enabled = false; }\n"
+                          "parameters dpram { mode[0] = no_ports; }\n" +
+                          repeat("}\n", k_depth) + "}\n");
+  // The clocks are missing.
+  EXPECT_EQ(run("sbd check device.sbd | grep -c 'note: required because'").out, "6\n");
+  EXPECT_EQ(run("sbd params device.sbd '*enabled' 2>/dev/null | grep -c true").out, "0\n");
 }
 
 TEST_F(TOOL_DEPTH, CheckFaulty) {

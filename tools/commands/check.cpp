@@ -93,61 +93,89 @@ class CHECK_COMMAND : public COMMAND {
   }
 
  private:
+  // A device that was checked.
+  struct DEVICE_RESULT {
+    std::string name;
+    std::string chip;
+    std::size_t parameter_count = 0;  // 0 when they could not be checked.
+    std::size_t finding_count = 0;
+  };
+
   FINDINGS check(SESSION& session, const std::string& file) {
     const auto descriptor = read_descriptor(file, m_finding_limit);
     const bool has_good_format = descriptor->outcome == EXIT_FINE;
-    std::vector<std::string> reports;
-    if (has_good_format && !m_is_format_only) check_devices(*descriptor, reports);
+    std::vector<DEVICE_RESULT> devices;
+    if (has_good_format && !m_is_format_only) devices = check_devices(*descriptor);
     session.note(descriptor->outcome);
     if (!m_is_quiet) {
       print_findings(session.out(), make_painter(m_colors, session.out()), descriptor->name,
                      descriptor->source, descriptor->findings);
     }
-    if (has_good_format) print_reports(session, *descriptor, reports);
+    if (has_good_format) tell_devices(session, *descriptor, devices);
     return std::move(descriptor->findings);
   }
 
-  void check_devices(DESCRIPTOR& descriptor, std::vector<std::string>& reports) const {
-    const std::vector<std::string> names =
-        m_devices.empty() ? list_devices(descriptor.document) : m_devices;
-    for (const std::string& name : names) {
-      const std::size_t findings_before =
-          descriptor.findings.error_count + descriptor.findings.warning_count;
-      const bool has_parameters = open_device(descriptor, name, m_finding_limit);
-      const std::size_t count =
-          descriptor.findings.error_count + descriptor.findings.warning_count - findings_before;
-      reports.push_back(report(descriptor.document, name, has_parameters, count));
+  std::vector<DEVICE_RESULT> check_devices(DESCRIPTOR& descriptor) const {
+    std::vector<DEVICE_RESULT> devices;
+    const bool is_each = m_devices.empty();
+    for (const std::string& name : is_each ? list_devices(descriptor.document) : m_devices) {
+      const std::size_t findings_before = descriptor.findings.count();
+      DEVICE_RESULT device;
+      device.name = name;
+      if (open_device(descriptor, name, m_finding_limit)) {
+        device.parameter_count = count_parameters(descriptor.document);
+      }
+      SBD_STRING chip;
+      if (descriptor.document.get_chip_type_name(chip)) device.chip = chip;
+      device.finding_count = descriptor.findings.count() - findings_before;
+      devices.push_back(std::move(device));
     }
+    return devices;
+  }
+
+  static std::size_t count_parameters(const SBD_VELDRAN& device) {
+    SBD_STRING_LIST parameters;
+    sbd_get_parameter_names(device.get_chip_type(), parameters);
+    return parameters.size();
   }
 
   // What was looked at; without it nobody could tell a fine device from one that was passed over.
-  static std::string report(const SBD_VELDRAN& device, const std::string& name, bool has_parameters,
-                            std::size_t finding_count) {
-    std::string text = fmt::format("device {}", name);
-    SBD_STRING chip;
-    if (device.get_chip_type_name(chip)) text += fmt::format(" ({})", chip.c_str());
-    const std::string found =
-        finding_count == 0 ? std::string("fine") : count_of(finding_count, "finding");
-    if (!has_parameters) return fmt::format("{}: no parameters checked, {}", text, found);
-    SBD_STRING_LIST parameters;
-    sbd_get_parameter_names(device.get_chip_type(), parameters);
-    return fmt::format("{}: {} checked, {}", text, count_of(parameters.size(), "parameter"), found);
-  }
-
-  void print_reports(SESSION& session, const DESCRIPTOR& descriptor,
-                     const std::vector<std::string>& reports) const {
-    // With several devices, findings alone would not tell which of them are fine.
-    const bool is_unclear = m_devices.empty() && reports.size() > 1 && !descriptor.findings.empty();
+  void tell_devices(SESSION& session, const DESCRIPTOR& descriptor,
+                    const std::vector<DEVICE_RESULT>& devices) const {
+    const bool is_unclear = m_devices.empty() && devices.size() > 1 && !descriptor.findings.empty();
     if (m_is_quiet || !(m_is_verbose || is_unclear)) return;
     session.out().flush();
-    const std::string file = make_visible(descriptor.name);
-    for (const std::string& line : reports) {
-      session.err().write_line(fmt::format("{}: {}", file, make_visible(line)));
+    const auto tell = [&session, &descriptor](const std::string& text) {
+      session.err().write_line(make_visible(descriptor.name + ": " + text));
+    };
+    if (!m_is_verbose) {
+      tell(summarize(devices));
+      return;
     }
-    if (reports.empty()) {
-      session.err().write_line(fmt::format("{}: only the format checked{}", file,
-                                           m_is_format_only ? "" : ", there is no device block"));
+    for (const DEVICE_RESULT& device : devices) tell(describe(device));
+    if (!devices.empty()) return;
+    tell(m_is_format_only ? "only the format checked"
+                          : "only the format checked, there is no device block");
+  }
+
+  static std::string describe(const DEVICE_RESULT& device) {
+    const std::string chip = device.chip.empty() ? "" : fmt::format(" ({})", device.chip);
+    const std::string parameters = device.parameter_count == 0
+                                       ? "no parameters"
+                                       : count_of(device.parameter_count, "parameter");
+    const std::string findings =
+        device.finding_count == 0 ? "fine" : count_of(device.finding_count, "finding");
+    return fmt::format("device {}{}: {} checked, {}", device.name, chip, parameters, findings);
+  }
+
+  static std::string summarize(const std::vector<DEVICE_RESULT>& devices) {
+    std::vector<std::string> fine;
+    std::vector<std::string> faulty;
+    for (const DEVICE_RESULT& device : devices) {
+      (device.finding_count == 0 ? fine : faulty).push_back(device.name);
     }
+    return fmt::format("devices with findings: {}; fine: {}", join_device_names(faulty),
+                       fine.empty() ? "none" : join_device_names(fine));
   }
 
   void print_summary(SESSION& session, const TOTALS& totals) {
