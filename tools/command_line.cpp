@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <sstream>
-#include <utility>
 
 #include "tools/visible_text.h"
 
@@ -104,10 +103,9 @@ OPTION_SYNTAX COMMAND_SYNTAX::add_count(const std::string& names, const std::str
 
 OPTION_SYNTAX COMMAND_SYNTAX::add_choice(const std::string& names, const std::string& value_name,
                                          const std::vector<std::string>& choices,
-                                         std::function<void(const std::string&)> take,
+                                         const std::function<void(const std::string&)>& take,
                                          const std::string& description) const {
-  CLI::Option* const option =
-      m_app->add_option_function<std::string>(names, std::move(take), description);
+  CLI::Option* const option = m_app->add_option_function<std::string>(names, take, description);
   return OPTION_SYNTAX(option->check(CLI::IsMember(choices))->type_name(value_name));
 }
 

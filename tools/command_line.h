@@ -69,7 +69,7 @@ class COMMAND_SYNTAX {
   // One of `choices`, handed to `take`.
   OPTION_SYNTAX add_choice(const std::string& names, const std::string& value_name,
                            const std::vector<std::string>& choices,
-                           std::function<void(const std::string&)> take,
+                           const std::function<void(const std::string&)>& take,
                            const std::string& description) const;
   OPTION_SYNTAX add_flag(const std::string& names, bool& is_set,
                          const std::string& description) const;

@@ -19,7 +19,7 @@ class TEXT_TABLE {
     STYLE style = STYLE::PLAIN;
   };
 
-  // A column without heading anywhere gives a table without heading.
+  // When all headings are empty, the table begins with its first row.
   void add_column(std::string heading, ALIGN align = ALIGN::LEFT);
   // As many cells as there are columns.
   void add_row(std::vector<CELL> cells);
