@@ -40,7 +40,9 @@ MEASUREMENT measure_check() {
           [] {
             const std::string text = make_sbd_text(TYPICAL_PARAMETERS);
             const auto file = std::make_shared<TEMPORARY_FILE>(text);
-            return STAGE{[=] { run_program({SBD_BENCH_TOOL, "check", file->path()}); }};
+            return STAGE{[=] {
+              run_program({SBD_BENCH_TOOL, "check", "--format-only", file->path()});
+            }};
           },
           MEASUREMENT::WALL_TIME};
 }
