@@ -62,6 +62,13 @@ std::vector<CHIP_HELP> find_exact(const std::string& name, std::string_view chip
   return found;
 }
 
+std::string to_lower(std::string_view text) {
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return lower;
+}
+
 }  // namespace
 
 std::vector<std::string> list_chips() {
@@ -95,15 +102,23 @@ std::vector<std::string> list_all_parameters(std::string_view chip_name) {
 }
 
 std::vector<std::string> list_block_parameters(std::string_view block, std::string_view chip) {
-  std::string beginning(block);
-  std::transform(beginning.begin(), beginning.end(), beginning.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  beginning += '.';
+  const std::string beginning = to_lower(block) + '.';
   std::vector<std::string> names = list_all_parameters(chip);
   const auto is_outside = [&beginning](const std::string& name) {
     return name.compare(0, beginning.size(), beginning) != 0;
   };
   names.erase(std::remove_if(names.begin(), names.end(), is_outside), names.end());
+  return names;
+}
+
+std::vector<std::string> list_parameters_of_name(std::string_view name, std::string_view chip) {
+  const std::string ending = '.' + to_lower(name);
+  std::vector<std::string> names = list_all_parameters(chip);
+  const auto has_other_name = [&ending](const std::string& reference) {
+    return reference.size() < ending.size() ||
+           reference.compare(reference.size() - ending.size(), ending.size(), ending) != 0;
+  };
+  names.erase(std::remove_if(names.begin(), names.end(), has_other_name), names.end());
   return names;
 }
 

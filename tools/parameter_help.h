@@ -38,6 +38,9 @@ std::vector<std::string> list_all_parameters(std::string_view chip);
 // Those of one block and the blocks in it; empty for a name that is no block's.
 std::vector<std::string> list_block_parameters(std::string_view block, std::string_view chip);
 
+// The parameters of that bare name, whatever block they are in, of one chip or of all.
+std::vector<std::string> list_parameters_of_name(std::string_view name, std::string_view chip);
+
 // A few of them that look like `name`.
 std::vector<std::string> find_near_parameters(std::string_view name);
 

@@ -28,12 +28,13 @@ constexpr std::size_t k_indent = 2;
 constexpr std::size_t k_example_indent = 4;
 
 constexpr char k_footer[] =
-    "TOPIC is the name of a parameter, of a block of parameters, or the key or number of a "
-    "message.\n"
+    "TOPIC is the name of a parameter, with or without its block, of a block of parameters, or\n"
+    "the key or number of a message.\n"
     "Without it, all messages and parameters are listed.\n"
     "\n"
     "Examples:\n"
     "  sbd explain sdram.data_width\n"
+    "  sbd explain pll_ahb_m\n"
     "  sbd explain sdram\n"
     "  sbd explain clocks.pll_ahb_m --chip qmxa10\n"
     "  sbd explain ESBD_SBD_SYNTAX_ERROR\n"
@@ -180,8 +181,8 @@ std::string tell_for_all(const std::vector<CHIP_HELP>& helps, const ASPECT& aspe
   return answers.size() == 1 ? answers.front().text : "depends on the chip";
 }
 
-void print_block(OUTPUT& output, const PAINTER& painter, const std::vector<std::string>& parameters,
-                 const std::string& chip) {
+void print_parameters(OUTPUT& output, const PAINTER& painter,
+                      const std::vector<std::string>& parameters, const std::string& chip) {
   TEXT_TABLE table;
   for (const char* const heading : {"PARAMETER", "TYPE", "REQUIRED", "VALID"}) {
     table.add_column(heading);
@@ -196,12 +197,12 @@ void print_block(OUTPUT& output, const PAINTER& painter, const std::vector<std::
   table.print(output, painter, 0);
 }
 
-void write_block(JSON_WRITER& json, const std::string& block,
-                 const std::vector<std::string>& parameters) {
+void write_parameters(JSON_WRITER& json, const std::string& name, bool is_block,
+                      const std::vector<std::string>& parameters) {
   json.key("kind");
-  json.text("block");
+  json.text(is_block ? "block" : "name");
   json.key("name");
-  json.text(block);
+  json.text(name);
   json.key("parameters");
   json.begin_array(LAYOUT::LINES);
   for (const std::string& parameter : parameters) json.text(parameter);
@@ -286,21 +287,25 @@ class EXPLAIN_COMMAND : public COMMAND {
           [&](const PAINTER& painter) { print_message(session.out(), painter, *message); });
       return;
     }
-    const std::vector<CHIP_HELP> helps = find_parameter_help(m_topic, m_chip);
+    std::vector<std::string> members = list_block_parameters(m_topic, m_chip);
+    const bool is_block = !members.empty();
+    if (!is_block) members = list_parameters_of_name(m_topic, m_chip);
+    std::vector<CHIP_HELP> helps = find_parameter_help(m_topic, m_chip);
+    if (helps.empty() && members.size() == 1) helps = find_parameter_help(members.front(), m_chip);
     if (!helps.empty()) {
       tell(
           session.out(), [&](JSON_WRITER& json) { write_parameter(json, helps); },
           [&](const PAINTER& painter) { print_parameter(session.out(), painter, helps); });
       return;
     }
-    const std::vector<std::string> members = list_block_parameters(m_topic, m_chip);
     if (members.empty()) {
       complain(session);
       return;
     }
     tell(
-        session.out(), [&](JSON_WRITER& json) { write_block(json, m_topic, members); },
-        [&](const PAINTER& painter) { print_block(session.out(), painter, members, m_chip); });
+        session.out(),
+        [&](JSON_WRITER& json) { write_parameters(json, m_topic, is_block, members); },
+        [&](const PAINTER& painter) { print_parameters(session.out(), painter, members, m_chip); });
   }
 
  private:
