@@ -273,6 +273,7 @@ class SBD_API SBD_PARAMETER_READER {
               SBD_PARAMETER_ORIGIN origin);
   bool insert(std::string_view reference, std::uint32_t hash, SBD_PARAMETER_VALUE&& record,
               SBD_PARAMETER_ORIGIN origin);
+  SBD_STRING make_full_name(const char* reference) const;
   void report_about(const char* before, const char* reference, const char* behind) const;
   static SBD_PARAMETER_STORE* make_store(const SBD_FILE_PARSER& parser,
                                          const SBD_STRING& module_name);

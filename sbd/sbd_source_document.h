@@ -53,7 +53,8 @@ class SBD_API SBD_SOURCE_DOCUMENT {
 
   // The tree as edited, owned by this object and there as long as it is. Positions (get_range and
   // the like) and get_source are about the text as it was read, and edited things may have none.
-  // roll_back replaces all nodes of the tree; every other edit only what it is about.
+  // roll_back, and an edit during which the host's memory ran out, replace all nodes of the tree;
+  // every other edit only what it is about.
   const SBD_FILE_PARSER& document() const;
 
   // The text as edited; valid until the next operation on this object. Putting it together costs

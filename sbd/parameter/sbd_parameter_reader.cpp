@@ -108,14 +108,17 @@ bool SBD_PARAMETER_READER::read_and_validate_parameters() {
 
 // ---- Names -----------------------------------------------------------------------------------
 
+SBD_STRING SBD_PARAMETER_READER::make_full_name(const char* reference) const {
+  SBD_STRING name = m_module_name;
+  name += '.';
+  if (reference != nullptr) name += reference;
+  sbd_lower(name);
+  return name;
+}
+
 SBD_STRING SBD_PARAMETER_READER::to_full_reference_name(const char* reference) const noexcept {
-  return sbd_guarded(k_source_parameter_reader, SBD_STRING(), [this, reference] {
-    SBD_STRING name = m_module_name;
-    name += '.';
-    if (reference != nullptr) name += reference;
-    sbd_lower(name);
-    return name;
-  });
+  return sbd_guarded(k_source_parameter_reader, SBD_STRING(),
+                     [this, reference] { return make_full_name(reference); });
 }
 
 SBD_STRING SBD_PARAMETER_READER::join_block_and_parameter_name(
@@ -134,7 +137,7 @@ SBD_STRING SBD_PARAMETER_READER::join_block_and_parameter_name(
 void SBD_PARAMETER_READER::report_about(const char* before, const char* reference,
                                         const char* behind) const {
   SBD_STRING text = before;
-  text += to_full_reference_name(reference);
+  text += make_full_name(reference);
   text += behind;
   sbd_report_internal_error(text.c_str(), k_source_parameter_reader, __LINE__);
 }

@@ -159,7 +159,10 @@ bool SBD_SOURCE_DOCUMENT::read_text(const char* text, std::size_t length, const 
 }
 
 const SBD_FILE_PARSER& SBD_SOURCE_DOCUMENT::document() const {
-  if (m_state != nullptr) return m_state->document;
+  if (m_state != nullptr) {
+    if (m_state->is_torn) sbd_guarded(k_source, false, [this] { return m_state->rebuild(); });
+    return m_state->document;
+  }
   static const SBD_FILE_PARSER k_empty;
   return k_empty;
 }
@@ -169,8 +172,7 @@ std::string_view SBD_SOURCE_DOCUMENT::text() const {
   return sbd_guarded(k_source, std::string_view(), [this] { return m_state->current_text(); });
 }
 
-// ---- Edits
-// ---------------------------------------------------------------------------------------
+// ---- Edits ------------------------------------------------------------------------------------
 //
 // Names that are null are refused by the document's own operations.
 
@@ -272,8 +274,7 @@ bool SBD_SOURCE_DOCUMENT::rename(const char* name, const char* new_name, bool wi
   });
 }
 
-// ---- Transactions
-// --------------------------------------------------------------------------------
+// ---- Transactions -----------------------------------------------------------------------------
 
 bool SBD_SOURCE_DOCUMENT::begin() {
   if (m_state == nullptr || m_state->is_in_transaction) return false;
@@ -296,8 +297,7 @@ bool SBD_SOURCE_DOCUMENT::roll_back() {
   return sbd_guarded(k_source, false, [this] { return m_state->rebuild(); });
 }
 
-// ---- Saving
-// --------------------------------------------------------------------------------------
+// ---- Saving -----------------------------------------------------------------------------------
 
 bool SBD_SOURCE_DOCUMENT::verify(SBD_STRING& why) const {
   if (m_state == nullptr) return false;

@@ -98,8 +98,7 @@ bool SBD_SOURCE_EDITOR::apply(const EDIT& edit) {
   return false;
 }
 
-// ---- Common steps
-// --------------------------------------------------------------------------------
+// ---- Common steps -----------------------------------------------------------------------------
 
 // The document's own check; the top level, which it can't be asked about, is no block.
 bool SBD_SOURCE_EDITOR::check_statement(const EDIT& edit, SBD_STATEMENT::STATEMENT_TYPE type,
@@ -143,8 +142,7 @@ SBD_FILE_PARSER::SBD_NODE* SBD_SOURCE_EDITOR::last_member(const SBD_NODE* block)
   return last;
 }
 
-// ---- Parameters
-// ----------------------------------------------------------------------------------
+// ---- Parameters -------------------------------------------------------------------------------
 
 bool SBD_SOURCE_EDITOR::set_value(const EDIT& edit) {
   SBD_NODE* block = nullptr;
@@ -237,8 +235,7 @@ bool SBD_SOURCE_EDITOR::remove_parameter(const EDIT& edit) {
   return true;
 }
 
-// ---- Blocks
-// --------------------------------------------------------------------------------------
+// ---- Blocks -----------------------------------------------------------------------------------
 
 bool SBD_SOURCE_EDITOR::add_block(const EDIT& edit) {
   const char* const scope = text_or_null(edit.scope);
@@ -267,8 +264,7 @@ bool SBD_SOURCE_EDITOR::remove_block(const EDIT& edit) {
   return true;
 }
 
-// ---- References and names
-// ------------------------------------------------------------------------
+// ---- References and names ---------------------------------------------------------------------
 
 bool SBD_SOURCE_EDITOR::remove_references(const EDIT& edit) {
   const SBD_STRING full_name = edit.full_name();

@@ -18,8 +18,7 @@ SBD_EDITED_TEXT& SBD_SOURCE_EDITOR::text_of(const SBD_NODE* node) {
   return m_edits.edit_statement(m_layout.range(node).begin);
 }
 
-// ---- Spots
-// ---------------------------------------------------------------------------------------
+// ---- Spots ------------------------------------------------------------------------------------
 
 SBD_SOURCE_EDITOR::SPOT SBD_SOURCE_EDITOR::find_spot(const SBD_SOURCE_EDIT& edit,
                                                      const SBD_NODE* block,
@@ -163,8 +162,7 @@ void SBD_SOURCE_EDITOR::set_block_style(SPOT& spot, const SBD_NODE* neighbour,
   }
 }
 
-// ---- Pieces
-// --------------------------------------------------------------------------------------
+// ---- Pieces -----------------------------------------------------------------------------------
 
 SBD_SOURCE_EDITOR::PIECES::iterator SBD_SOURCE_EDITOR::insert(const SPOT& spot,
                                                               SBD_EDITED_TEXT piece) {
@@ -212,8 +210,7 @@ void SBD_SOURCE_EDITOR::insert_block(const SBD_NODE* node, SPOT spot, const SBD_
   m_new_nodes[node] = {spot.offset, first, last, std::move(spot.style)};
 }
 
-// ---- Removals
-// ------------------------------------------------------------------------------------
+// ---- Removals ---------------------------------------------------------------------------------
 
 SBD_SOURCE_EDITOR::REMOVAL SBD_SOURCE_EDITOR::plan_removal(const SBD_NODE* node) const {
   REMOVAL removal;

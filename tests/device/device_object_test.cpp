@@ -535,8 +535,7 @@ TEST_F(DEVICE_OBJECT, OnlyTheOwnDevicesStripeCounts) {
   expect_no_reader();
 }
 
-// ---- Turning to another device
-// -------------------------------------------------------------------
+// ---- Turning to another device -----------------------------------------------------------------
 
 TEST_F(DEVICE_OBJECT, SelectedDevicesAreReadAsIfBoundFromTheStart) {
   const std::string other = "device other {\nfamily = veldran_arm; type = qmxa10;\nmodule m {\n" +

@@ -130,8 +130,7 @@ TEST(EXAMPLES, FaultyDeviceHasTheFaultsThatItsCommentsName) {
   EXPECT_EQ(posted(recorder), expected);
 }
 
-// ---- What the comments in the files work out
-// -----------------------------------------------------
+// ---- What the comments in the files work out ---------------------------------------------------
 
 double ahb(const SBD_VELDRAN& device, int bus) {
   double frequency = -1;

@@ -69,8 +69,7 @@ struct VECTOR_MODULE {
   static const char* tag() { return "VECTOR_MODULE"; }
 };
 
-// ---- Blocks
-// --------------------------------------------------------------------------------------
+// ---- Blocks ------------------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, BlocksAreWritableAndAligned) {
   for (std::size_t size = 0; size < 200; size++) {
@@ -118,8 +117,7 @@ TEST_F(HOST_MEMORY, ExhaustionThrows) {
 #endif
 }
 
-// ---- Accounts
-// ------------------------------------------------------------------------------------
+// ---- Accounts ----------------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, UnknownTagHasAnEmptyAccount) {
   const MEMORY_ACCOUNT account = get_memory_account("NEVER_SEEN");
@@ -203,8 +201,7 @@ TEST_F(HOST_MEMORY, AllocatingDoesNotRegister) {
   EXPECT_FALSE(sbd_host::is_module_registered("UNREGISTERED"));
 }
 
-// ---- Planned failures
-// ----------------------------------------------------------------------------
+// ---- Planned failures --------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, OneAllocationFails) {
   sbd_host::fail_allocation("FAIL_ONE", 3, false);
@@ -271,8 +268,7 @@ TEST_F(HOST_MEMORY, ExactlyOneOfManyThreadsMeetsTheFailure) {
   EXPECT_EQ(get_memory_account("FAIL_THREADS").total_allocations, 1999U);
 }
 
-// ---- Hook
-// ----------------------------------------------------------------------------------------
+// ---- Hook --------------------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, HookIsToldOfAllocationAndRelease) {
   std::vector<MEMORY_EVENT> events;
@@ -374,8 +370,7 @@ TEST_F(HOST_MEMORY, HookSeesEveryAddressReleasedBeforeItIsTakenAgain) {
   EXPECT_TRUE(live.empty());
 }
 
-// ---- Threads
-// -------------------------------------------------------------------------------------
+// ---- Threads -----------------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, ThreadsShareAnAccount) {
   run_in_threads(4, [](int thread) {
@@ -431,8 +426,7 @@ TEST_F(HOST_MEMORY, EverythingMayBeAdjustedMeanwhile) {
   EXPECT_EQ(get_memory_account("MEANWHILE").live_blocks, 0U);
 }
 
-// ---- Standard allocator
-// --------------------------------------------------------------------------
+// ---- Standard allocator ------------------------------------------------------------------------
 
 TEST_F(HOST_MEMORY, VectorIsChargedToItsModule) {
   {

@@ -79,8 +79,7 @@ class HOST_MESSAGES : public testing::Test {
   }
 };
 
-// ---- Templates
-// -----------------------------------------------------------------------------------
+// ---- Templates ---------------------------------------------------------------------------------
 
 TEST_F(HOST_MESSAGES, EverythingFilledInArrives) {
   MSG_E message(nullptr);
@@ -190,8 +189,7 @@ TEST_F(HOST_MESSAGES, LongTextsAreComplete) {
   EXPECT_EQ(rendered("<%1!s!%1!s!>/K", name.c_str()), "<" + name + name + ">|K");
 }
 
-// ---- Message objects
-// -----------------------------------------------------------------------------
+// ---- Message objects ---------------------------------------------------------------------------
 
 TEST_F(HOST_MESSAGES, TextsAreCopiedWhenFilledIn) {
   std::string name = "before";
@@ -290,8 +288,7 @@ TEST_F(HOST_MESSAGES, DebugMessageMayBeEmptyOrLong) {
   EXPECT_EQ(post(message).text, "<" + text + ">");
 }
 
-// ---- Delivery
-// ------------------------------------------------------------------------------------
+// ---- Delivery ----------------------------------------------------------------------------------
 
 TEST_F(HOST_MESSAGES, DefaultPrintsOneLine) {
   MSG_E error(nullptr);
@@ -399,8 +396,7 @@ TEST_F(HOST_MESSAGES, HandlersMayBeInstalledMeanwhile) {
   EXPECT_EQ(calls, 4000);
 }
 
-// ---- Internal errors
-// -----------------------------------------------------------------------------
+// ---- Internal errors ---------------------------------------------------------------------------
 
 TEST_F(HOST_MESSAGES, InternalErrorReachesItsHandler) {
   std::vector<std::string> got;
