@@ -29,9 +29,7 @@ class KEPT_MEMORY : public testing::Test {
     sbd_host::limit_kept_memory(0);
     sbd_host::limit_kept_memory(k_default_limit);
   }
-  void TearDown() override {
-    sbd_host::limit_kept_memory(0);
-  }
+  void TearDown() override { sbd_host::limit_kept_memory(0); }
 };
 
 TEST_F(KEPT_MEMORY, ReleasedLargeBlockServesTheNextRequest) {
