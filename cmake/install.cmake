@@ -1,0 +1,75 @@
+# What `cmake --install` puts where. Three components: the libraries (runtime), what it takes to
+# build against them (development), and the command (tools).
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(SBD_INCLUDE_FOLDER ${CMAKE_INSTALL_INCLUDEDIR}/libsbd)
+set(SBD_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/sbd)
+set(SBD_PKGCONFIG_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# ---- Libraries -----------------------------------------------------------------------------------
+
+# Outside projects say sbd::sbd and the like; the names inside are those of the files.
+set_target_properties(sbd_host PROPERTIES EXPORT_NAME host)
+set_target_properties(sbd_host_static PROPERTIES EXPORT_NAME host_static)
+
+install(TARGETS sbd sbd_static sbd_host sbd_host_static EXPORT sbd_targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
+                NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+        INCLUDES DESTINATION ${SBD_INCLUDE_FOLDER})
+
+foreach(folder h sbd)
+  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.h)
+  install(FILES ${headers} DESTINATION ${SBD_INCLUDE_FOLDER}/${folder} COMPONENT development)
+endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/host/sbd_host.h DESTINATION ${SBD_INCLUDE_FOLDER}/host
+        COMPONENT development)
+
+# ---- CMake package -------------------------------------------------------------------------------
+
+install(EXPORT sbd_targets FILE sbdTargets.cmake NAMESPACE sbd:: DESTINATION ${SBD_CMAKE_FOLDER}
+        COMPONENT development)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/sbdConfig.cmake.in
+                              ${PROJECT_BINARY_DIR}/sbdConfig.cmake
+                              INSTALL_DESTINATION ${SBD_CMAKE_FOLDER}
+                              NO_SET_AND_CHECK_MACRO)
+# Before 1.0 a new minor version may change what it likes.
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/sbdConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/sbdConfig.cmake ${PROJECT_BINARY_DIR}/sbdConfigVersion.cmake
+        DESTINATION ${SBD_CMAKE_FOLDER} COMPONENT development)
+
+# ---- pkg-config ----------------------------------------------------------------------------------
+
+# From the place of the .pc file, so that the tree may be installed and moved anywhere.
+file(RELATIVE_PATH SBD_PC_PREFIX /${SBD_PKGCONFIG_FOLDER} /)
+string(REGEX REPLACE "/$" "" SBD_PC_PREFIX "${SBD_PC_PREFIX}")
+
+function(sbd_pkgconfig name description libraries private_libraries)
+  set(NAME ${name})
+  set(DESCRIPTION ${description})
+  set(LIBRARIES ${libraries})
+  set(PRIVATE_LIBRARIES ${private_libraries})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/pkgconfig.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${SBD_PKGCONFIG_FOLDER}
+          COMPONENT development)
+endfunction()
+
+sbd_pkgconfig(sbd "System Build Descriptor files; needs host services, such as sbd_host" -lsbd
+              -lstdc++)
+sbd_pkgconfig(sbd_host "Standalone host services of sbd" -lsbd_host "-lstdc++ -pthread")
+
+# ---- Command -------------------------------------------------------------------------------------
+
+if(SBD_BUILD_TOOL)
+  # Finds the libraries of its own tree, wherever that was installed.
+  file(RELATIVE_PATH to_libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(sbd_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  install(TARGETS sbd_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+
+  file(GLOB manuals CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.1)
+  if(manuals)
+    install(FILES ${manuals} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  endif()
+endif()
