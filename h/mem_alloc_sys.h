@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <limits>
-#include <new>
 #include <type_traits>
 
 #include "h/host_api.h"
@@ -51,8 +50,11 @@ class MEM_STL_ALLOCATOR {
   noexcept {}  // NOLINT: converts
 
   T* allocate(std::size_t count) {
-    if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) throw std::bad_alloc();
-    return static_cast<T*>(MEM_MANAGER::new_wrapper(count * sizeof(T), MODULE::tag()));
+    // More than there can be is asked for as the largest size, which the manager refuses: it throws
+    // in programs that are built without exceptions, too.
+    constexpr std::size_t k_most = std::numeric_limits<std::size_t>::max();
+    const std::size_t size = count > k_most / sizeof(T) ? k_most : count * sizeof(T);
+    return static_cast<T*>(MEM_MANAGER::new_wrapper(size, MODULE::tag()));
   }
   void deallocate(T* block, std::size_t) noexcept {
     MEM_MANAGER::delete_wrapper(block, MODULE::tag());
