@@ -12,8 +12,9 @@ set(SBD_PKGCONFIG_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 # Outside projects say sbd::sbd and the like; the names inside are those of the files.
 set_target_properties(sbd_host PROPERTIES EXPORT_NAME host)
 set_target_properties(sbd_host_static PROPERTIES EXPORT_NAME host_static)
+set_target_properties(sbd_c PROPERTIES EXPORT_NAME c)
 
-install(TARGETS sbd sbd_static sbd_host sbd_host_static EXPORT sbd_targets
+install(TARGETS sbd sbd_static sbd_host sbd_host_static sbd_c EXPORT sbd_targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime
                 NAMELINK_COMPONENT development
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
@@ -24,6 +25,9 @@ foreach(folder h sbd)
   install(FILES ${headers} DESTINATION ${SBD_INCLUDE_FOLDER}/${folder} COMPONENT development)
 endforeach()
 install(FILES ${PROJECT_SOURCE_DIR}/host/sbd_host.h DESTINATION ${SBD_INCLUDE_FOLDER}/host
+        COMPONENT development)
+# Programs in C know nothing of folders.
+install(FILES ${PROJECT_SOURCE_DIR}/capi/sbd_c.h DESTINATION ${SBD_INCLUDE_FOLDER}
         COMPONENT development)
 
 # ---- CMake package -------------------------------------------------------------------------------
@@ -59,6 +63,7 @@ endfunction()
 sbd_pkgconfig(sbd "System Build Descriptor files; needs host services, such as sbd_host" -lsbd
               -lstdc++)
 sbd_pkgconfig(sbd_host "Standalone host services of sbd" -lsbd_host "-lstdc++ -pthread")
+sbd_pkgconfig(sbd_c "System Build Descriptor files in C" -lsbd_c "")
 
 # ---- Command -------------------------------------------------------------------------------------
 

@@ -52,7 +52,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libsbd${SBD_ABI_VERSION})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 # CPack makes its own shlibs with -DGENERATE_SHLIBS for all components or for none.
 set(shared_libraries "")
-foreach(library libsbd libsbd_host)
+foreach(library libsbd libsbd_c libsbd_host)
   string(APPEND shared_libraries "${library} ${SBD_ABI_VERSION} libsbd${SBD_ABI_VERSION} (>= ${PROJECT_VERSION})\n")
 endforeach()
 file(WRITE ${package_folder}/shlibs "${shared_libraries}")

@@ -4,6 +4,7 @@ ESBD_SBD_SYNTAX_ERROR'
 own_host_output='module SBD
 data width 32
 own message 1'
+plain_c_output='data width 32'
 
 # expect_output TEXT COMMAND...
 expect_output() {

@@ -22,7 +22,7 @@ LANGUAGES = {
 def public_headers(root):
     for folder in ("h", "host", "sbd", "capi"):
         for header in sorted((root / folder).glob("*.h")):
-            if header.name != "handler_slot.h":
+            if folder in ("h", "sbd") or header.name.startswith("sbd_"):
                 yield header
 
 

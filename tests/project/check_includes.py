@@ -1,11 +1,16 @@
 #!/usr/bin/env python3
 """Fails when a folder includes what it must not know: tools -> sbd -> h, bench -> sbd, host -> h."""
+"""Fails when a folder includes what it must not know.
+
+docs/architecture.md draws the same directions; the two change together.
+"""
 
 import pathlib
 import re
 import sys
 
 KNOWS = {
+    "capi": {"capi", "h", "host", "sbd"},
     "h": {"h"},
     "host": {"h", "host"},
     "sbd": {"h", "sbd"},
@@ -37,8 +42,10 @@ for folder, known in KNOWS.items():
             place = file.relative_to(root)
             if target[0] not in known:
                 faults.append(f"{place} includes {include.group(1)}")
-            is_inner = parts[0] == "sbd" and target[0] == "sbd" and len(target) == 3
-            if is_inner and len(parts) == 2:
+            is_inner = target[0] == "sbd" and len(target) == 3
+            if is_inner and parts[0] != "sbd":
+                faults.append(f"{place} includes {include.group(1)}, which is not public")
+            elif is_inner and len(parts) == 2:
                 faults.append(f"{place}, a public header, includes {include.group(1)}")
             elif is_inner and target[1] not in LIBRARY_KNOWS[parts[1]] | {parts[1]}:
                 faults.append(f"{place} includes {include.group(1)}")

@@ -4,6 +4,7 @@
 // docs/compatibility.md tells what goes with that. The numbers are those of 64-bit Linux.
 #include <cstddef>
 
+#include "capi/sbd_c.h"
 #include "h/msg_service.h"
 #include "host/sbd_host.h"
 #include "sbd/sbd_file_parser.h"
@@ -22,6 +23,67 @@
 #define SIZE(type, bytes) static_assert(sizeof(type) == (bytes), #type " has another size")
 #define AT(type, member, offset) \
   static_assert(offsetof(type, member) == (offset), #type "::" #member " has moved")
+
+// ---- capi/sbd_c.h ------------------------------------------------------------------------------
+
+SIZE(sbdc_position, 16);
+AT(sbdc_position, offset, 0);
+AT(sbdc_position, length, 4);
+AT(sbdc_position, line, 8);
+AT(sbdc_position, column, 12);
+
+SIZE(sbdc_finding, 48);
+AT(sbdc_finding, severity, 0);
+AT(sbdc_finding, number, 4);
+AT(sbdc_finding, key, 8);
+AT(sbdc_finding, text, 16);
+AT(sbdc_finding, parameter, 24);
+AT(sbdc_finding, position, 32);
+
+SIZE(sbdc_value, 64);
+AT(sbdc_value, kind, 0);
+AT(sbdc_value, unit, 4);
+AT(sbdc_value, number, 8);
+AT(sbdc_value, unscaled, 16);
+AT(sbdc_value, text, 24);
+AT(sbdc_value, target, 32);
+AT(sbdc_value, first_element, 40);
+AT(sbdc_value, element_count, 44);
+AT(sbdc_value, position, 48);
+
+SIZE(sbdc_attribute, 32);
+AT(sbdc_attribute, key, 0);
+AT(sbdc_attribute, value, 8);
+AT(sbdc_attribute, position, 16);
+
+SIZE(sbdc_item, 128);
+AT(sbdc_item, name, 0);
+AT(sbdc_item, type, 8);
+AT(sbdc_item, kind, 16);
+AT(sbdc_item, depth, 20);
+AT(sbdc_item, position, 24);
+AT(sbdc_item, name_position, 40);
+AT(sbdc_item, value, 56);
+AT(sbdc_item, first_attribute, 120);
+AT(sbdc_item, attribute_count, 124);
+
+SIZE(sbdc_listing_view, 40);
+AT(sbdc_listing_view, items, 0);
+AT(sbdc_listing_view, item_count, 8);
+AT(sbdc_listing_view, item_size, 16);
+AT(sbdc_listing_view, names, 24);
+AT(sbdc_listing_view, name_length, 32);
+
+SIZE(sbdc_parameter, 64);
+AT(sbdc_parameter, name, 0);
+AT(sbdc_parameter, type, 8);
+AT(sbdc_parameter, origin, 12);
+AT(sbdc_parameter, has_value, 16);
+AT(sbdc_parameter, is_required, 20);
+AT(sbdc_parameter, number, 24);
+AT(sbdc_parameter, text, 32);
+AT(sbdc_parameter, allowed, 40);
+AT(sbdc_parameter, position, 48);
 
 // ---- h/msg_service.h ----------------------------------------------------------------------------
 

@@ -1,0 +1,256 @@
+#include <stdlib.h>
+#include <string.h>
+
+#include "tests/capi/c_test.h"
+
+static const char k_text[] =
+    "# a board\n"
+    "device board {\n"
+    "  family = veldran_arm;\n"
+    "  module stripe {\n"
+    "    size = 64K [display board.label, readonly];\n"
+    "    source <board.family, .size>;\n"
+    "    Parameters clocks { main = 50MHz; modes = {1, \"s\", {true, {2.5, 3}}}; }\n"
+    "  }\n"
+    "}\n";
+
+static void expect_names(const sbdc_document* document, const char* scope, unsigned kinds,
+                         const char* expected) {
+  char names[1000] = "";
+  sbdc_listing* listing = NULL;
+  size_t i = 0;
+  EXPECT_STATUS(sbdc_list(document, scope, kinds, &listing), SBDC_OK);
+  for (i = 0; i < sbdc_listing_size(listing); i++) {
+    strncat(names, sbdc_listing_item(listing, i)->name, sizeof names - strlen(names) - 2);
+    strcat(names, " ");
+  }
+  EXPECT(sbdc_listing_item(listing, i) == NULL);
+  EXPECT_TEXT(names, expected);
+  sbdc_listing_free(listing);
+}
+
+static const sbdc_item* find(const sbdc_document* document, const char* name,
+                             sbdc_listing** listing) {
+  EXPECT_STATUS(sbdc_find(document, name, listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(*listing), 1);
+  return sbdc_listing_item(*listing, 0);
+}
+
+static void find_block(const sbdc_document* document) {
+  sbdc_listing* listing = NULL;
+  const sbdc_item* const item = find(document, "board.stripe.CLOCKS", &listing);
+  EXPECT_TEXT(item->name, "board.stripe.clocks");
+  EXPECT_TEXT(item->type, "Parameters");
+  EXPECT(item->kind == SBDC_BLOCK);
+  EXPECT_NUMBER(item->depth, 2);
+  EXPECT(item->value.kind == SBDC_NO_VALUE);
+  EXPECT_NUMBER(item->position.line, 7);
+  EXPECT_NUMBER(item->position.column, 5);
+  EXPECT_NUMBER(item->name_position.column, 16);
+  EXPECT_NUMBER(item->name_position.length, 6);
+  EXPECT_NUMBER(item->attribute_count, 0);
+  sbdc_listing_free(listing);
+}
+
+static void find_parameter(const sbdc_document* document) {
+  sbdc_listing* listing = NULL;
+  const sbdc_attribute* attribute = NULL;
+  const sbdc_item* const item = find(document, "board.stripe.size", &listing);
+  EXPECT(item->kind == SBDC_PARAMETER);
+  EXPECT_TEXT(item->type, "");
+  EXPECT(item->value.kind == SBDC_DECIMAL);
+  EXPECT(item->value.unit == SBDC_K);
+  EXPECT_NUMBER(item->value.number, 65536);
+  EXPECT_NUMBER(item->value.unscaled, 64);
+  EXPECT_TEXT(item->value.text, "");
+  EXPECT_NUMBER(item->value.position.line, 5);
+  EXPECT_NUMBER(item->value.position.column, 12);
+  EXPECT_NUMBER(item->value.position.length, 3);
+  EXPECT_NUMBER(item->position.length, strlen("size = 64K [display board.label, readonly];"));
+
+  EXPECT_NUMBER(item->attribute_count, 2);
+  attribute = sbdc_listing_attribute(listing, item->first_attribute);
+  EXPECT_TEXT(attribute->key, "display");
+  EXPECT_TEXT(attribute->value, "board.label");
+  EXPECT_NUMBER(attribute->position.column, 17);
+  attribute = sbdc_listing_attribute(listing, item->first_attribute + 1);
+  EXPECT_TEXT(attribute->key, "readonly");
+  EXPECT(attribute->value == NULL);
+  EXPECT(sbdc_listing_attribute(listing, item->first_attribute + 2) == NULL);
+  sbdc_listing_free(listing);
+}
+
+static void find_references(const sbdc_document* document) {
+  sbdc_listing* listing = NULL;
+  const sbdc_value* element = NULL;
+  const sbdc_item* const item = find(document, "board.stripe.source", &listing);
+  EXPECT(item->kind == SBDC_REFERENCE_STATEMENT);
+  EXPECT(item->value.kind == SBDC_REFERENCES);
+  EXPECT_NUMBER(item->value.element_count, 2);
+  element = sbdc_listing_element(listing, item->value.first_element + 1);
+  EXPECT(element->kind == SBDC_REFERENCE);
+  EXPECT_TEXT(element->text, ".size");
+  EXPECT_TEXT(element->target, "board.stripe.size");
+  EXPECT_NUMBER(element->position.line, 6);
+  EXPECT_NUMBER(element->position.column, 27);
+  EXPECT(sbdc_listing_element(listing, item->value.first_element + 2) == NULL);
+  sbdc_listing_free(listing);
+}
+
+/* The picture stays when the document changes, and when it is gone. */
+static void outlive_document(void) {
+  sbdc_document* const document = make_document(k_text);
+  sbdc_listing* listing = NULL;
+  EXPECT_STATUS(sbdc_find(document, "board.family", &listing), SBDC_OK);
+  EXPECT_STATUS(sbdc_set_value(document, "board.family", "veldran_mips"), SBDC_OK);
+  EXPECT_TEXT(sbdc_listing_item(listing, 0)->value.text, "veldran_arm");
+  sbdc_document_free(document);
+  EXPECT_TEXT(sbdc_listing_item(listing, 0)->name, "board.family");
+  EXPECT_TEXT(sbdc_listing_item(listing, 0)->value.text, "veldran_arm");
+  sbdc_listing_free(listing);
+}
+
+/* Edited things are listed as they are now. */
+static void list_edited(void) {
+  sbdc_document* const document = make_document("device d { a = 1; }");
+  EXPECT_STATUS(sbdc_set_value(document, "d.a", "0x20K"), SBDC_OK);
+  EXPECT_STATUS(sbdc_set_value(document, "d.b", "true"), SBDC_OK);
+  {
+    sbdc_listing* listing = NULL;
+    const sbdc_item* item = find(document, "d.a", &listing);
+    EXPECT(item->value.kind == SBDC_HEXADECIMAL);
+    EXPECT_NUMBER(item->value.number, 32768);
+    sbdc_listing_free(listing);
+    item = find(document, "d.b", &listing);
+    EXPECT(item->value.kind == SBDC_BOOLEAN);
+    EXPECT_NUMBER(item->value.number, 1);
+    EXPECT_NUMBER(item->position.line, 0);
+    sbdc_listing_free(listing);
+  }
+  sbdc_document_free(document);
+}
+
+static void view_at_once(const sbdc_document* document) {
+  sbdc_listing* listing = NULL;
+  sbdc_listing_view view;
+  const char* name = NULL;
+  size_t i = 0;
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_BLOCK | SBDC_PARAMETER, &listing), SBDC_OK);
+  EXPECT_STATUS(sbdc_listing_get_view(listing, &view), SBDC_OK);
+  EXPECT_NUMBER(view.item_count, 7);
+  EXPECT_NUMBER(view.item_size, sizeof(sbdc_item));
+  name = view.names;
+  for (i = 0; i < view.item_count; i++) {
+    EXPECT(&view.items[i] == sbdc_listing_item(listing, i));
+    EXPECT_TEXT(name, view.items[i].name);
+    name += strlen(name) + 1;
+  }
+  EXPECT_NUMBER(name - view.names, view.name_length);
+  sbdc_listing_free(listing);
+}
+
+static void list_nothing(void) {
+  sbdc_document* document = NULL;
+  sbdc_listing* listing = NULL;
+  EXPECT_STATUS(sbdc_document_new(&document), SBDC_OK);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_BLOCK, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), 0);
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+}
+
+void test_listings(void) {
+  const unsigned all = SBDC_BLOCK | SBDC_PARAMETER | SBDC_REFERENCE_STATEMENT;
+  sbdc_document* const document = make_document(k_text);
+  sbdc_listing* listing = NULL;
+  expect_names(document, NULL, SBDC_BLOCK, "board board.stripe board.stripe.clocks ");
+  expect_names(document, "", SBDC_PARAMETER,
+               "board.family board.stripe.size board.stripe.clocks.main "
+               "board.stripe.clocks.modes ");
+  expect_names(document, "Board.Stripe", all,
+               "board.stripe.size board.stripe.source board.stripe.clocks "
+               "board.stripe.clocks.main board.stripe.clocks.modes ");
+  EXPECT_STATUS(sbdc_list(document, "board.nothing", all, &listing), SBDC_NOT_FOUND);
+  EXPECT_STATUS(sbdc_list(document, "board.family", all, &listing), SBDC_WRONG_KIND);
+  EXPECT_STATUS(sbdc_find(document, "nothing", &listing), SBDC_NOT_FOUND);
+  EXPECT(listing == NULL);
+  find_block(document);
+  find_parameter(document);
+  find_references(document);
+  view_at_once(document);
+  sbdc_document_free(document);
+  outlive_document();
+  list_edited();
+  list_nothing();
+}
+
+/* ---- Lists in lists ---- */
+
+static void find_nested_list(void) {
+  sbdc_document* const document =
+      make_document("device d { l = {1, \"s\", {true, {2.5, x}}, 0b11K}; }");
+  sbdc_listing* listing = NULL;
+  const sbdc_value* value = &find(document, "d.l", &listing)->value;
+  const sbdc_value* inner = NULL;
+  uint32_t first = value->first_element;
+  EXPECT(value->kind == SBDC_LIST);
+  EXPECT_NUMBER(value->element_count, 4);
+  EXPECT_NUMBER(sbdc_listing_element(listing, first)->number, 1);
+  EXPECT_TEXT(sbdc_listing_element(listing, first + 1)->text, "s");
+  EXPECT(sbdc_listing_element(listing, first + 3)->kind == SBDC_BINARY);
+  EXPECT_NUMBER(sbdc_listing_element(listing, first + 3)->number, 3072);
+  inner = sbdc_listing_element(listing, first + 2);
+  EXPECT(inner->kind == SBDC_LIST);
+  EXPECT_NUMBER(inner->element_count, 2);
+  EXPECT(sbdc_listing_element(listing, inner->first_element)->kind == SBDC_BOOLEAN);
+  inner = sbdc_listing_element(listing, inner->first_element + 1);
+  EXPECT(inner->kind == SBDC_LIST);
+  EXPECT(sbdc_listing_element(listing, inner->first_element)->kind == SBDC_FLOAT);
+  EXPECT_NUMBER(sbdc_listing_element(listing, inner->first_element)->number, 2.5);
+  EXPECT_TEXT(sbdc_listing_element(listing, inner->first_element + 1)->text, "x");
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+}
+
+/* Neither depth of blocks nor of lists may eat up the stack. */
+static void list_deep_nesting(void) {
+  enum { k_depth = 3000 };
+  static const char k_open[] = "module m{";
+  char* const text = calloc(1, 64 + k_depth * (sizeof k_open + 10));
+  sbdc_document* document = NULL;
+  sbdc_listing* listing = NULL;
+  const sbdc_value* value = NULL;
+  size_t depth = 0;
+  int i = 0;
+  char* end = text;
+  EXPECT(text != NULL);
+  if (text == NULL) return;
+  end += strlen(strcpy(end, "device d{"));
+  for (i = 0; i < k_depth; i++) end += strlen(strcpy(end, k_open));
+  end += strlen(strcpy(end, "p="));
+  for (i = 0; i < k_depth; i++) end += strlen(strcpy(end, "{1,"));
+  end += strlen(strcpy(end, "2"));
+  for (i = 0; i < k_depth; i++) end += strlen(strcpy(end, "}"));
+  end += strlen(strcpy(end, ";"));
+  for (i = 0; i < k_depth; i++) end += strlen(strcpy(end, "}"));
+  strcpy(end, "}");
+  document = make_document(text);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_BLOCK | SBDC_PARAMETER, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), k_depth + 2);
+  EXPECT_NUMBER(sbdc_listing_item(listing, k_depth + 1)->depth, k_depth + 1);
+  value = &sbdc_listing_item(listing, k_depth + 1)->value;
+  while (value->kind == SBDC_LIST) {
+    value = sbdc_listing_element(listing, value->first_element + 1);
+    depth++;
+  }
+  EXPECT_NUMBER(depth, k_depth);
+  EXPECT_NUMBER(value->number, 2);
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+  free(text);
+}
+
+void test_nested_lists(void) {
+  find_nested_list();
+  list_deep_nesting();
+}
