@@ -34,8 +34,36 @@ sbdc_item_kind kind_of(const NODE* node) {
                                                            : SBDC_REFERENCE_STATEMENT;
 }
 
+std::string_view written_text(const VALUE& value) {
+  return value.text != nullptr ? value.text : "";
+}
+
+bool is_quoted(const VALUE& value) {
+  const std::string_view text = written_text(value);
+  return text.size() >= 2 && text.front() == '"' && text.back() == '"';
+}
+
 sbdc_value empty_value(sbdc_value_kind kind) {
   return {kind, SBDC_NO_UNIT, 0, 0, "", "", 0, 0, {}};
+}
+
+// Calls `visit` for each block and statement of the list `first` and below, with the number of
+// blocks around it that were gone into. Blocks nest as deep as the file likes: the way back is kept
+// here, not on the stack.
+template <class VISIT>
+void for_each_node(const NODE* first, VISIT&& visit) {
+  std::vector<const NODE*> next_of_level{first};
+  while (!next_of_level.empty()) {
+    const NODE* const node = next_of_level.back();
+    if (node == nullptr) {
+      next_of_level.pop_back();
+      continue;
+    }
+    next_of_level.back() = node->next;
+    if (node->type == NODE::NT_COMMENT) continue;
+    visit(node, next_of_level.size() - 1);
+    if (node->type == NODE::NT_BLOCK) next_of_level.push_back(node->block->members);
+  }
 }
 
 }  // namespace
@@ -45,38 +73,33 @@ double scaled_number(const VALUE& value) {
 }
 
 std::string_view unquoted_text(const VALUE& value) {
-  std::string_view text = value.text != nullptr ? value.text : "";
-  const bool is_quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-  return is_quoted ? text.substr(1, text.size() - 2) : text;
+  const std::string_view text = written_text(value);
+  return is_quoted(value) ? text.substr(1, text.size() - 2) : text;
 }
 
 // ---- The tree ----------------------------------------------------------------------------------
 
-// Blocks nest as deep as the file likes: the levels are kept here, not on the stack.
 void LISTING_BUILDER::add_below(const NODE* block) {
-  std::vector<LEVEL> levels;
   if (block != nullptr) set_path(block);
+  const std::size_t outer_depth = block != nullptr ? depth_of_path() + 1 : 0;
   const NODE* const first =
       block != nullptr ? block->block->members : m_document.get_parser_para().root;
-  const std::size_t depth = block != nullptr ? depth_of_path() + 1 : 0;
 
-  levels.push_back({first, m_path.size()});
-  while (!levels.empty()) {
-    LEVEL& level = levels.back();
-    const NODE* const node = level.next;
-    if (node == nullptr) {
-      levels.pop_back();
-      continue;
-    }
-    level.next = node->next;
-    if (node->type == NODE::NT_COMMENT) continue;
+  // Room for all of them at once: moving so many records costs more than counting them.
+  std::size_t count = 0;
+  for_each_node(first, [this, &count](const NODE* node, std::size_t) {
+    count += (m_kinds & kind_of(node)) != 0 ? 1 : 0;
+  });
+  m_listing.items.reserve(count);
 
-    m_path.resize(level.path_length);
+  std::vector<std::size_t> path_lengths{m_path.size()};  // In front of the names of each level.
+  for_each_node(first, [&](const NODE* node, std::size_t level) {
+    path_lengths.resize(level + 1, m_path.size());
+    m_path.resize(path_lengths[level]);
     if (!m_path.empty()) m_path += '.';
     m_path += declared_name(node);
-    add_item(node, depth + levels.size() - 1);
-    if (node->type == NODE::NT_BLOCK) levels.push_back({node->block->members, m_path.size()});
-  }
+    add_item(node, outer_depth + level);
+  });
 }
 
 void LISTING_BUILDER::add_alone(const NODE* node) {
@@ -112,8 +135,7 @@ void LISTING_BUILDER::add_item(const NODE* node, std::size_t depth) {
   item.type = "";
   item.depth = static_cast<std::uint32_t>(depth);
   item.position = position_of(node);
-  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
-  if (m_document.get_name_range(node, range)) item.name_position = to_position(range);
+  item.name_position = name_position_of(node, item.position);
   switch (kind) {
     case SBDC_BLOCK:
       item.type = keep_type(node->block->type);
@@ -129,6 +151,20 @@ void LISTING_BUILDER::add_item(const NODE* node, std::size_t depth) {
   }
   m_listing.items.push_back(item);
   m_listing.names.append(m_path.c_str(), m_path.size() + 1);
+}
+
+// A statement begins with its name.
+sbdc_position LISTING_BUILDER::name_position_of(const NODE* node,
+                                                const sbdc_position& position) const {
+  sbdc_position name_position = position;
+  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
+  if (node->type == NODE::NT_BLOCK) {
+    return m_document.get_name_range(node, range) ? to_position(range) : sbdc_position{};
+  }
+  if (position.line != 0) {
+    name_position.length = static_cast<std::uint32_t>(std::strlen(declared_name(node)));
+  }
+  return name_position;
 }
 
 void LISTING_BUILDER::add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item) {
@@ -168,6 +204,7 @@ sbdc_value LISTING_BUILDER::make_single(const VALUE& value) {
   } else if (value.type == VALUE::VT_BOOL) {
     made.number = value.flag == 1 ? 1 : 0;
   } else if (value.type == VALUE::VT_STRING) {
+    made.kind = is_quoted(value) ? SBDC_STRING : SBDC_WORD;
     made.text = m_listing.texts.copy(unquoted_text(value));
   }
   return made;

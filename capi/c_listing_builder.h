@@ -38,10 +38,6 @@ class LISTING_BUILDER {
  private:
   using NODE = SBD_FILE_PARSER::SBD_NODE;
   using VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
-  struct LEVEL {
-    const NODE* next;         // The next one to visit at this level.
-    std::size_t path_length;  // Of m_path, up to the "." in front of the names of this level.
-  };
   struct OPEN_LIST {
     const VALUE* value;
     std::size_t element;  // Its place in the listing.
@@ -50,6 +46,7 @@ class LISTING_BUILDER {
   void set_path(const NODE* node);
   std::size_t depth_of_path() const;
   void add_item(const NODE* node, std::size_t depth);
+  sbdc_position name_position_of(const NODE* node, const sbdc_position& position) const;
   void add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item);
   sbdc_value make_value(const VALUE& value);
   sbdc_value make_single(const VALUE& value);

@@ -145,11 +145,12 @@ typedef enum sbdc_value_kind {
   SBDC_BINARY = 3,
   SBDC_FLOAT = 4,
   SBDC_BOOLEAN = 5,
-  SBDC_STRING = 6,
+  SBDC_STRING = 6, /* A text in double quotes. */
   SBDC_LIST = 7,
   SBDC_REFERENCES = 8, /* The value of a reference statement: a list of SBDC_REFERENCE. */
   SBDC_REFERENCE = 9,
-  SBDC_NO_VALUE = 10 /* That of a block. */
+  SBDC_NO_VALUE = 10, /* That of a block. */
+  SBDC_WORD = 11      /* A text without quotes. */
 } sbdc_value_kind;
 
 typedef enum sbdc_unit {

@@ -3,6 +3,7 @@
 #define SBD_READING_SBD_SOURCE_H
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -61,7 +62,8 @@ class SBD_SOURCE {
     return static_cast<std::uint32_t>(place - m_text);
   }
 
-  // The lines and columns of a stretch of the text.
+  // The lines and columns of a stretch of the text. Asked for one place behind the other, it need
+  // not look at any part of the text twice.
   SBD_FILE_PARSER::SBD_SOURCE_RANGE range(std::size_t offset, std::size_t length) const;
 
  private:
@@ -69,6 +71,8 @@ class SBD_SOURCE {
     std::uint32_t number;
     std::uint32_t begin;
   };
+  LINE known_line_before(std::size_t offset) const;
+
   static constexpr std::uint32_t k_bytes_per_mark = 2048;
 
   char* m_text = nullptr;
@@ -77,6 +81,8 @@ class SBD_SOURCE {
   std::size_t m_next_mark = 0;     // Offset of the first byte without mark.
   std::uint32_t m_line = 1;        // The line behind the last newline,
   std::uint32_t m_line_begin = 0;  // and where it begins.
+  // The line that was found last. Whole at any time, for any thread: const documents are shared.
+  mutable std::atomic<LINE> m_last_line{LINE{1, 0}};
 };
 
 #endif

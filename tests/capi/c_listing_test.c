@@ -196,6 +196,7 @@ static void find_nested_list(void) {
   EXPECT(value->kind == SBDC_LIST);
   EXPECT_NUMBER(value->element_count, 4);
   EXPECT_NUMBER(sbdc_listing_element(listing, first)->number, 1);
+  EXPECT(sbdc_listing_element(listing, first + 1)->kind == SBDC_STRING);
   EXPECT_TEXT(sbdc_listing_element(listing, first + 1)->text, "s");
   EXPECT(sbdc_listing_element(listing, first + 3)->kind == SBDC_BINARY);
   EXPECT_NUMBER(sbdc_listing_element(listing, first + 3)->number, 3072);
@@ -207,6 +208,7 @@ static void find_nested_list(void) {
   EXPECT(inner->kind == SBDC_LIST);
   EXPECT(sbdc_listing_element(listing, inner->first_element)->kind == SBDC_FLOAT);
   EXPECT_NUMBER(sbdc_listing_element(listing, inner->first_element)->number, 2.5);
+  EXPECT(sbdc_listing_element(listing, inner->first_element + 1)->kind == SBDC_WORD);
   EXPECT_TEXT(sbdc_listing_element(listing, inner->first_element + 1)->text, "x");
   sbdc_listing_free(listing);
   sbdc_document_free(document);
