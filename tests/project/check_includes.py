@@ -49,6 +49,14 @@ for folder, known in KNOWS.items():
                 faults.append(f"{place}, a public header, includes {include.group(1)}")
             elif is_inner and target[1] not in LIBRARY_KNOWS[parts[1]] | {parts[1]}:
                 faults.append(f"{place} includes {include.group(1)}")
+
+# The page that explains the directions shows the same ones.
+shown = {}
+for row in re.findall(r"^\| `([a-z/]+)` \| ([^|]*)\|$", (root / "docs/architecture.md").read_text(), re.M):
+    shown[row[0]] = set(re.findall(r"`([a-z]+)`", row[1]))
+drawn = {**KNOWS, **{f"sbd/{folder}": known for folder, known in LIBRARY_KNOWS.items()}}
+if shown != drawn:
+    faults.append("docs/architecture.md shows other directions")
 if not checked:
     faults.append("no file found")
 sys.exit("\n".join(faults) if faults else 0)

@@ -1,4 +1,4 @@
-// A program that brings its own message service and memory manager.
+// Brings a message service and a memory manager of its own instead of linking sbd_host.
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
