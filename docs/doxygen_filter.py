@@ -3,7 +3,9 @@
 
 The headers are written for people who read them as they are. What belongs to what follows from the
 layout: a comment above belongs to all declarations down to the next empty line or comment, and a
-comment behind a declaration to that one, with the lines of comment that follow it further in.
+comment behind a declaration to that one, with the lines of comment that follow it further in. Data,
+types and operators without a comment are what the comment of their record, or of their file, speaks
+of. Functions have no such excuse.
 """
 
 import pathlib
@@ -42,6 +44,45 @@ def mark_comments(lines):
             yield C_ABOVE.sub(r"\1/** ", line)
 
 
+DATA = re.compile(r"^\s*(?!\s|return|friend|enum|public|private|protected|case|#|\}|///)"
+                  r"[\w:<>*&\[\], ]+( = [^()]*|\{[^()]*\})?;\s*$")
+TYPE = re.compile(r"^\s*(using|enum|struct|class|typedef (struct|enum|union))\b.*([{=]|[^)];)\s*$")
+KEYWORD = re.compile(r"^extern SBD_API const char\* const SBD_VEL_(\w+);$")
+ALLOCATOR = re.compile(r"^class \w+_ALLOCATOR \{")
+FORWARD = re.compile(r"^\s*(class|struct) \w+;")
+OPERATOR = re.compile(r"^\s+.*\boperator\b.*[;{}]\s*$")
+
+
+def leave_out_allocators(lines):
+    """What every standard allocator has is told elsewhere."""
+    is_inside = False
+    for line in lines:
+        if is_inside and line.startswith("};"):
+            is_inside = False
+            yield "/// @endcond"
+        yield line
+        if ALLOCATOR.match(line):
+            is_inside = True
+            yield "/// @cond"
+
+
+def excuse_data(lines):
+    """Data, types and operators without a comment refer to the one that speaks of them."""
+    before = ""
+    for line in lines:
+        has_own = "///" in line or "/**" in line or is_comment(before) or before.lstrip() == "///@{"
+        is_data = DATA.match(line) and not FORWARD.match(line) and line.startswith(" ")
+        keyword = KEYWORD.match(line)
+        if keyword and not has_own:
+            line += f'  ///< "{keyword.group(1).lower()}"'
+        elif not has_own and is_data:
+            line += "  ///< See the description of the record."
+        elif not has_own and (TYPE.match(line) or OPERATOR.match(line)) and not FORWARD.match(line):
+            yield "/// See the description above."
+        before = line
+        yield line
+
+
 def is_comment(line):
     return line.lstrip().startswith(("///", "/**", "* ")) and "///<" not in line
 
@@ -63,7 +104,7 @@ def group_paragraphs(lines):
 def group(paragraph):
     comment = [line for line in paragraph if is_comment(line)]
     code = paragraph[len(comment):]
-    declarations = sum(line.rstrip().split("//")[0].rstrip().endswith((";", "}", ",")) for line in code)
+    declarations = sum(line.split("//")[0].rstrip().endswith((";", "}", ",")) for line in code)
     is_group = comment and declarations > 1 and not any(OPENS_SCOPE.search(line) for line in code)
     balanced = sum(line.count("{") - line.count("}") for line in code) == 0
     if is_group and balanced:
@@ -77,4 +118,5 @@ head = 0
 while head < len(lines) and lines[head].startswith("//"):
     head += 1
 about = ["/** @file"] + [line[2:] for line in lines[:head]] + ["*/"] if head else []
-sys.stdout.write("\n".join(about + list(group_paragraphs(mark_comments(lines[head:])))) + "\n")
+rest = group_paragraphs(mark_comments(leave_out_allocators(lines[head:])))
+sys.stdout.write("\n".join(about + list(excuse_data(rest))) + "\n")

@@ -28,7 +28,7 @@ class HOST_API MEM_MANAGER {
 // the tag is known before the library allocates under it.
 class HOST_API MEM_INITIALIZER {
  public:
-  explicit MEM_INITIALIZER(const char* module_tag) noexcept;
+  explicit MEM_INITIALIZER(const char* module_tag) noexcept;  // A static string.
 };
 
 // Standard allocator over the manager. MODULE is a type with a static `const char* tag()`, which

@@ -49,7 +49,7 @@ class HOST_API MSG_BASE : public MSG_POST {
 
  protected:
   enum SEVERITY { ERROR_SEVERITY = 0, WARNING_SEVERITY = 1, DEBUG_SEVERITY = 2 };
-  MSG_BASE(SEVERITY severity, MSG_REPORT* parent);
+  MSG_BASE(SEVERITY severity, MSG_REPORT* parent);  // Not filled yet.
 
  private:
   MSG_CONTENT* m_content;
@@ -58,25 +58,26 @@ class HOST_API MSG_BASE : public MSG_POST {
 // An error. A non-null `parent` gathers the message under that report.
 class HOST_API MSG_E : public MSG_BASE {
  public:
-  explicit MSG_E(MSG_REPORT* parent);
+  explicit MSG_E(MSG_REPORT* parent);  // Not filled yet.
 };
 
 // A warning.
 class HOST_API MSG_W : public MSG_BASE {
  public:
-  explicit MSG_W(MSG_REPORT* parent);
+  explicit MSG_W(MSG_REPORT* parent);  // Not filled yet.
 };
 
 // A debug message.
 class HOST_API MSG_D : public MSG_BASE {
  public:
-  explicit MSG_D(MSG_REPORT* parent);
+  explicit MSG_D(MSG_REPORT* parent);  // Not filled yet.
 };
 
 // Reports that a condition which must always hold does not. Whether the process goes on is the
 // host's decision; when it returns, the caller carries on with a safe value.
 class HOST_API MSG_INTERNAL_ERROR {
  public:
+  // `source` is a source file without path and extension; the texts live until this returns.
   static void report(const char* condition, const char* module, const char* source, int line);
 };
 

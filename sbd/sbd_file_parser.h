@@ -98,11 +98,12 @@ class SBD_API SBD_FILE_PARSER {
     SBD_VALUE_LIST(const SBD_VALUE_LIST&) = delete;
     SBD_VALUE_LIST& operator=(const SBD_VALUE_LIST&) = delete;
 
-    std::size_t size() const { return m_size; }
-    bool empty() const { return m_size == 0; }
+    std::size_t size() const { return m_size; }  // Without those inside elements.
+    bool empty() const { return m_size == 0; }   // No list of a file is.
+    // `index` below size(); not checked.
     SBD_PARA_VALUE* operator[](std::size_t index) const { return m_items[index]; }
-    SBD_PARA_VALUE* const* begin() const { return m_items; }
-    SBD_PARA_VALUE* const* end() const { return m_items + m_size; }
+    SBD_PARA_VALUE* const* begin() const { return m_items; }         // The first element.
+    SBD_PARA_VALUE* const* end() const { return m_items + m_size; }  // Behind the last one.
 
     // Appends `value`, which the list then owns.
     void push_back(SBD_PARA_VALUE* value);
@@ -191,9 +192,10 @@ class SBD_API SBD_FILE_PARSER {
   class SBD_SYMBOL_TABLE : public SBD_VECTOR<SBD_SYMBOL*> {
    public:
     static constexpr std::size_t k_bucket_count = 211;
+    // An empty table; `store` is that of the document, or null for a table without one.
     explicit SBD_SYMBOL_TABLE(SBD_STORE* store)
         : SBD_VECTOR<SBD_SYMBOL*>(k_bucket_count, nullptr), m_store(store) {}
-    SBD_STORE* store() const { return m_store; }
+    SBD_STORE* store() const { return m_store; }  // Of the document; null for none.
 
    private:
     SBD_STORE* m_store;
@@ -317,11 +319,11 @@ class SBD_API SBD_FILE_PARSER {
   // The full name of a block or statement, spelled as declared. False for comments.
   bool get_ref_name(const SBD_NODE* node, SBD_STRING& name) const;
 
-  SBD_BLOCK* get_block(const char* name) const;
-  SBD_STATEMENT* get_statement(const char* block, const char* parameter) const;
-  SBD_PARA_VALUE* get_para_value(const char* block, const char* parameter) const;
-  SBD_PARA_ATTR* get_para_attr(const char* block, const char* parameter) const;
-  SBD_PARA_REF* get_para_ref(const char* block, const char* parameter) const;
+  SBD_BLOCK* get_block(const char* name) const;  // Null for a statement's name.
+  SBD_STATEMENT* get_statement(const char* block, const char* parameter) const;    // Either type.
+  SBD_PARA_VALUE* get_para_value(const char* block, const char* parameter) const;  // Assignments.
+  SBD_PARA_ATTR* get_para_attr(const char* block, const char* parameter) const;    // The first one.
+  SBD_PARA_REF* get_para_ref(const char* block, const char* parameter) const;      // The first one.
 
   // True for a statement of either type.
   bool is_parameter_defined(const char* block, const char* parameter) const;

@@ -14,7 +14,7 @@
 
 // The module whose account the library's memory is charged to.
 struct SBD_MEMORY_MODULE {
-  static const char* tag() noexcept { return "SBD"; }
+  static const char* tag() noexcept { return "SBD"; }  // A static string.
 };
 
 template <class T>

@@ -227,7 +227,7 @@ class SBD_API SBD_PARAMETER_READER {
   // and grows while it validates: a handler finds the fault behind a message at its end.
   const SBD_VECTOR<SBD_PARAMETER_FAULT>& get_faults() const noexcept;
 
-  const SBD_STRING& get_module_name() const { return m_module_name; }
+  const SBD_STRING& get_module_name() const { return m_module_name; }  // As given.
 
   // ---- Validation ------------------------------------------------------------------------
 

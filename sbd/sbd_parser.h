@@ -105,11 +105,11 @@ class SBD_API sbd_yyFlexLexer : public FlexLexer {
   // The document state that unexpected characters are counted in; null counts nowhere.
   void set_parser_para(SBD_FILE_PARSER::SBD_PARSER_PARA* para) { m_para = para; }
 
-  START_CONDITION start_condition() const { return m_condition; }
-  void begin(START_CONDITION condition) { m_condition = condition; }
+  START_CONDITION start_condition() const { return m_condition; }     // That of the next token.
+  void begin(START_CONDITION condition) { m_condition = condition; }  // Changes it.
 
-  std::string_view input() const { return m_input; }
-  SBD_STORE* origin() const { return m_origin; }
+  std::string_view input() const { return m_input; }  // The whole text.
+  SBD_STORE* origin() const { return m_origin; }      // As given; null for no document.
 
  private:
   std::string_view m_input;
@@ -172,6 +172,7 @@ SBD_API SBD_FILE_PARSER::SBD_NODE* sbd_do_comment(const SBD_FILE_PARSER::SBD_TOK
 SBD_API SBD_FILE_PARSER::SBD_PARA_VALUE* sbd_do_para_value(
     int code, const SBD_FILE_PARSER::SBD_TOKEN_INFO* token);
 
+// An element of a reference list, not resolved.
 SBD_API SBD_FILE_PARSER::SBD_PARA_REF* sbd_do_para_ref(const SBD_FILE_PARSER::SBD_TOKEN_INFO* name);
 
 // An attribute; `value` may be null.

@@ -28,8 +28,8 @@ class SBD_SOURCE_STATE;  // The tree, the text, and what was edited.
 struct SBD_PLACE {
   enum KIND { AT_END, BEFORE, BEHIND };
 
-  static SBD_PLACE before(const char* name) { return {BEFORE, name}; }
-  static SBD_PLACE behind(const char* name) { return {BEHIND, name}; }
+  static SBD_PLACE before(const char* name) { return {BEFORE, name}; }  // Keeps the pointer.
+  static SBD_PLACE behind(const char* name) { return {BEHIND, name}; }  // Keeps the pointer.
 
   KIND kind = AT_END;
   const char* sibling = nullptr;

@@ -115,6 +115,7 @@ class SBD_API SBD_VELDRAN_PARAMETER_READER : public SBD_PARAMETER_READER {
 // The rules that all ARM-based chips share. What it does not know it asks the chip's reader.
 class SBD_API SBD_QMXA_BASE_PARAMETER_READER : public SBD_VELDRAN_PARAMETER_READER {
  public:
+  // As that of the base class.
   SBD_QMXA_BASE_PARAMETER_READER(const SBD_VELDRAN& device, const SBD_STRING& module_name) noexcept;
   ~SBD_QMXA_BASE_PARAMETER_READER() override;
 
@@ -124,6 +125,7 @@ class SBD_API SBD_QMXA_BASE_PARAMETER_READER : public SBD_VELDRAN_PARAMETER_READ
 
 class SBD_API SBD_QMXA1_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
+  // As that of the base class.
   SBD_QMXA1_PARAMETER_READER(const SBD_VELDRAN& device, const SBD_STRING& module_name) noexcept;
   ~SBD_QMXA1_PARAMETER_READER() override;
 
@@ -134,6 +136,7 @@ class SBD_API SBD_QMXA1_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER
 
 class SBD_API SBD_QMXA4_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
+  // As that of the base class.
   SBD_QMXA4_PARAMETER_READER(const SBD_VELDRAN& device, const SBD_STRING& module_name) noexcept;
   ~SBD_QMXA4_PARAMETER_READER() override;
 
@@ -144,6 +147,7 @@ class SBD_API SBD_QMXA4_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER
 
 class SBD_API SBD_QMXA10_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
+  // As that of the base class.
   SBD_QMXA10_PARAMETER_READER(const SBD_VELDRAN& device, const SBD_STRING& module_name) noexcept;
   ~SBD_QMXA10_PARAMETER_READER() override;
 
