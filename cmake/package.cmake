@@ -9,7 +9,7 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 set(SBD_CHANGE_DATE "Fri, 20 Nov 2026 12:00:00 +0000" CACHE STRING "Date of the packages' change log")
-set(CPACK_PACKAGE_CONTACT "sbd maintainers <sbd@packages.debian.org>" CACHE STRING
+set(CPACK_PACKAGE_CONTACT "sbd maintainers <sbd@example.org>" CACHE STRING
     "Who maintains the packages")
 
 # ---- Documents that every package has to bring ---------------------------------------------------
