@@ -85,8 +85,7 @@ PLACEHOLDER get_placeholder(std::string_view text, std::size_t at) {
 // be printed whatever was passed, while a text has to be followed.
 ARGUMENTS expect_arguments(std::string_view text) {
   ARGUMENTS arguments;
-  std::size_t at = 0;
-  while (at < text.size()) {
+  for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at)) {
     const PLACEHOLDER placeholder = get_placeholder(text, at);
     at += std::max<std::size_t>(placeholder.length, 1);
     if (placeholder.length == 0) continue;
@@ -122,16 +121,19 @@ void append_argument(std::string& result, const ARGUMENT& argument) {
 std::string render(std::string_view text, const ARGUMENTS& arguments) {
   std::string result;
   std::size_t at = 0;
-  while (at < text.size()) {
-    const PLACEHOLDER placeholder = get_placeholder(text, at);
+  for (;;) {
+    const std::size_t sign = std::min(text.find('%', at), text.size());
+    result.append(text, at, sign - at);
+    if (sign == text.size()) return result;
+    const PLACEHOLDER placeholder = get_placeholder(text, sign);
     if (placeholder.length == 0) {
-      result += text[at++];
+      result += '%';
+      at = sign + 1;
       continue;
     }
     append_argument(result, arguments.list[placeholder.position - 1]);
-    at += placeholder.length;
+    at = sign + placeholder.length;
   }
-  return result;
 }
 
 // What is behind the last "/", if it looks like a key; a text may well have a "/" of its own.

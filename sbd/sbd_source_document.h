@@ -24,7 +24,7 @@ class SBD_SOURCE_STATE;  // The tree, the text, and what was edited.
 
 // Where something new stands among the members of its block: at the end, or right before or behind
 // a sibling, which is named by its own name inside the block. A comment line that stands above a
-// sibling is not part of it.
+// sibling is not part of it. An unknown kind is an internal error, and the edit is refused.
 struct SBD_PLACE {
   enum KIND { AT_END, BEFORE, BEHIND };
 

@@ -18,7 +18,6 @@ using REFERENCE = SBD_FILE_PARSER::SBD_PARA_REF;
 using STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 
 constexpr std::size_t k_most_references_told = 20;
-constexpr std::size_t k_widest_text = 200;
 
 struct SPLIT_NAME {
   std::string scope;  // Empty at the top level.

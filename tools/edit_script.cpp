@@ -188,6 +188,11 @@ class LINE_READER {
 bool split_words(std::string_view line, std::vector<std::string>& words, std::string& fault) {
   words.clear();
   fault.clear();
+  // To the library, a name or a value ends there.
+  if (line.find('\0') != std::string_view::npos) {
+    fault = "a NUL byte can't be part of an edit";
+    return false;
+  }
   for (;;) {
     while (!line.empty() && is_blank(line.front())) line.remove_prefix(1);
     if (line.empty() || line.front() == '#') return true;

@@ -17,7 +17,7 @@ namespace {
 // Makes the document keep the scanner's text, unless it does already.
 void keep_text(sbd_yyFlexLexer& scanner, SBD_STORE& store) {
   const std::string_view input = scanner.input();
-  if (store.source.text().data() == input.data()) return;
+  if (input.data() != nullptr && store.source.text().data() == input.data()) return;
   char* const buffer = SBD_SOURCE::allocate(input.size());
   std::copy(input.begin(), input.end(), buffer);
   store.source.adopt(buffer, input.size());

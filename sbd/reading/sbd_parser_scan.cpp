@@ -225,7 +225,8 @@ void FlexLexer::set_match(std::string_view text) {
 }
 
 sbd_yyFlexLexer::sbd_yyFlexLexer(const char* text, std::size_t length, SBD_STORE* origin)
-    : m_input(text, length), m_origin(origin) {
+    : m_input(text, text != nullptr ? length : 0), m_origin(origin) {
+  SBD_CHECK(text != nullptr || length == 0, "text != NULL", k_source_parser);
   init_yy_location();
 }
 

@@ -105,6 +105,10 @@ void set_place(const SBD_SOURCE_DOCUMENT::PLACE& place, EDIT& edit) {
   if (place.sibling != nullptr) edit.sibling = place.sibling;
 }
 
+bool is_known(const SBD_SOURCE_DOCUMENT::PLACE& place) {
+  return SBD_CHECK(place.kind <= SBD_PLACE::BEHIND, "Invalid place kind", k_source);
+}
+
 // What `fill` makes of an empty edit is performed. When the host's memory ends in the middle, what
 // is half done is undone.
 template <class FILL>
@@ -188,6 +192,7 @@ bool SBD_SOURCE_DOCUMENT::set_value(const char* name, const char* value) {
 bool SBD_SOURCE_DOCUMENT::add_value(const char* name, const char* value, const PLACE& place) {
   if (m_state == nullptr) return false;
   if (name == nullptr) return m_state->document.set_value(nullptr, nullptr, 0);
+  if (!is_known(place)) return false;
   return perform(m_state, EDIT::ADD_VALUE, [name, value, &place](EDIT& edit) {
     split_name(name, edit);
     if (value != nullptr) edit.text = sbd_trim(value);
@@ -199,6 +204,7 @@ bool SBD_SOURCE_DOCUMENT::set_references(const char* name, const SBD_STRING_LIST
                                          const PLACE& place) {
   if (m_state == nullptr) return false;
   if (name == nullptr) return m_state->document.set_value(nullptr, nullptr, names);
+  if (!is_known(place)) return false;
   return perform(m_state, EDIT::SET_REFERENCES, [name, &names, &place](EDIT& edit) {
     split_name(name, edit);
     edit.names = names;
@@ -246,6 +252,7 @@ bool SBD_SOURCE_DOCUMENT::add_block(const char* type, const char* name, const ch
   if (type == nullptr || name == nullptr) {
     return m_state->document.create_block(type, name, parent);
   }
+  if (!is_known(place)) return false;
   return perform(m_state, EDIT::ADD_BLOCK, [type, name, parent, &place](EDIT& edit) {
     if (parent != nullptr) edit.scope = parent;
     edit.name = name;

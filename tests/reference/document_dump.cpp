@@ -154,3 +154,18 @@ std::string dump_document(const SBD_FILE_PARSER& document) {
     node = node->next;
   }
 }
+
+std::string dump_shape(const SBD_FILE_PARSER& document) {
+  const std::string dump = dump_document(document);
+  std::string result;
+  for (std::size_t at = 0; at < dump.size();) {
+    const std::size_t end = dump.find('\n', at);
+    std::string line = dump.substr(at, end - at);
+    const bool is_named = line.rfind("block ", 0) == 0 || line.rfind("assignment ", 0) == 0 ||
+                          line.rfind("reference ", 0) == 0;
+    if (is_named) line.resize(line.rfind(" line "));
+    result += line + "\n";
+    at = end + 1;
+  }
+  return result;
+}

@@ -10,4 +10,7 @@
 // should (a symbol that names another node, a missing text) show up as "!" lines.
 std::string dump_document(const SBD_FILE_PARSER& document);
 
+// The same without line numbers, which edits and layout change.
+std::string dump_shape(const SBD_FILE_PARSER& document);
+
 #endif

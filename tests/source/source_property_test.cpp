@@ -18,23 +18,6 @@ namespace {
 
 using RANGE = SBD_FILE_PARSER::SBD_SOURCE_RANGE;
 
-// The dump without line numbers, which edits and layout change.
-std::string shape(const SBD_FILE_PARSER& document) {
-  const std::string dump = dump_document(document);
-  std::string result;
-  std::size_t at = 0;
-  while (at < dump.size()) {
-    const std::size_t end = dump.find('\n', at);
-    std::string line = dump.substr(at, end - at);
-    const bool is_named = line.rfind("block ", 0) == 0 || line.rfind("assignment ", 0) == 0 ||
-                          line.rfind("reference ", 0) == 0;
-    if (is_named) line.resize(line.rfind(" line "));
-    result += line + "\n";
-    at = end + 1;
-  }
-  return result;
-}
-
 struct OBJECT {
   std::string name;
   const SBD_NODE* node;
@@ -419,7 +402,7 @@ class RANDOM_SESSION {
           << after;
     }
     if (!is_rewritten) {
-      EXPECT_EQ(dump_document_of_plain(), shape(m_source.document())) << m_what;
+      EXPECT_EQ(dump_shape(*m_plain), dump_shape(m_source.document())) << m_what;
     }
 
     SBD_STRING why;
@@ -427,7 +410,7 @@ class RANDOM_SESSION {
     if (m_source.verify(why)) {
       SBD_FILE_PARSER reread;
       ASSERT_TRUE(read_text(reread, after)) << m_what << "\n" << after;
-      EXPECT_EQ(shape(reread), shape(m_source.document())) << m_what << "\n"
+      EXPECT_EQ(dump_shape(reread), dump_shape(m_source.document())) << m_what << "\n"
                                                            << m_text << "\n=>\n"
                                                            << after;
       EXPECT_TRUE(m_source.commit());
@@ -444,9 +427,7 @@ class RANDOM_SESSION {
     EXPECT_TRUE(m_source.verify(why)) << why;
   }
 
-  std::string dump_document_of_plain() const { return shape(*m_plain); }
-
-  void expect_insertion(const std::string& after) {
+    void expect_insertion(const std::string& after) {
     std::size_t same = 0;
     while (same != m_text.size() && same != after.size() && after[same] == m_text[same]) ++same;
     std::size_t same_end = 0;

@@ -136,6 +136,11 @@ TEST(EDIT_SCRIPT, LinesAreNumbered) {
   EXPECT_EQ(edits[1].origin, "s:4");
 }
 
+TEST(EDIT_SCRIPT, NulBytesDoNotCutWordsOff) {
+  constexpr std::string_view k_script("unset a\nset b.c\0d 1", 19);
+  EXPECT_EQ(fault_of(k_script), "s:2: a NUL byte can't be part of an edit");
+}
+
 TEST(EDIT_SCRIPT, Faults) {
   EXPECT_EQ(fault_of("set a 1\nset b"), "s:2: a value is missing");
   EXPECT_EQ(fault_of("set"), "s:1: the name of a parameter is missing");
