@@ -304,6 +304,39 @@ TEST_F(TOOL_DEPTH, Lists) {
             fmt::format("{}\n", k_list_depth));
 }
 
+// What every command does with a deep file takes no more stack than with a flat one.
+TEST_F(TOOL_DEPTH, EveryCommandInASmallStack) {
+  write("lists.sbd",
+        "device d { x = " + repeat("{1, ", k_depth) + "2" + repeat("}", k_depth) + "; z = 1; }\n");
+  write("edits", "set d.new 1\nrename d e\nset e.new {1, 2}\n");
+  for (const char* const command : {"check blocks.sbd lists.sbd",
+                                    "show blocks.sbd",
+                                    "show --json blocks.sbd",
+                                    "show lists.sbd",
+                                    "show --json lists.sbd",
+                                    "get lists.sbd d.x",
+                                    "get --json lists.sbd d.x",
+                                    "get --as raw lists.sbd d.x",
+                                    "list --type device --parameters blocks.sbd",
+                                    "set -n blocks.sbd d.new 1",
+                                    "set -n lists.sbd d.new 1",
+                                    "unset -n lists.sbd d.x",
+                                    "ref -n blocks.sbd d.r d.m",
+                                    "ref -n blocks.sbd --remove d.m.m",
+                                    "attr -n lists.sbd d.z k=a.b",
+                                    "block add -n --set x=1 blocks.sbd module d.k",
+                                    "rename -n blocks.sbd d e",
+                                    "edit -n blocks.sbd --script edits",
+                                    "edit -n lists.sbd --script edits",
+                                    "fmt --diff lists.sbd",
+                                    "set -n --canonical lists.sbd d.z 2"}) {
+    const TOOL_RUN done = run(fmt::format("ulimit -s 512; sbd {} >/dev/null", command));
+    EXPECT_EQ(done.exit_code, 0) << command << "\n" << done.err.substr(0, 500);
+  }
+  EXPECT_EQ(run("ulimit -s 512; sbd block remove -n blocks.sbd d.m.m").exit_code, 1);
+  EXPECT_EQ(run("ulimit -s 512; sbd get blocks.sbd d.none").exit_code, 1);
+}
+
 // ---- Editing -----------------------------------------------------------------------------------
 
 class TOOL_EDITS : public TOOL {};
