@@ -86,7 +86,13 @@ constexpr const char* k_words[] = {"-",
                                    "board.stripe.clocks.main",
                                    "parameters",
                                    "--",
-                                   "key=a.b"};
+                                   "key=a.b",
+                                   "params",
+                                   "clocks",
+                                   "explain",
+                                   "--device",
+                                   "clocks.ahb1_divide",
+                                   "--format-only"};
 
 // The tool's standard streams while it runs: what it reads is memory, what it writes is dropped.
 class STREAMS {
