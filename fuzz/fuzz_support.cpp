@@ -77,7 +77,8 @@ std::size_t FUZZ_BYTES::pick(std::size_t count) {
 }
 
 std::string FUZZ_BYTES::text(std::size_t most) {
-  const std::size_t length = std::min(pick(most + 1), m_rest.size());
+  const std::size_t wanted = pick(most + 1);
+  const std::size_t length = std::min(wanted, m_rest.size());
   std::string result(m_rest.substr(0, length));
   m_rest.remove_prefix(length);
   return result;

@@ -78,6 +78,12 @@ class EDITING {
 
   std::string new_name() { return m_bytes.chance(8) ? typed_name() : m_bytes.pick_of(k_new_names); }
 
+  // In this order whatever the compiler, so that an input always means the same.
+  std::string new_member() {
+    const std::string block = any_name();
+    return block + "." + new_name();
+  }
+
   std::string any_value() {
     return m_bytes.chance(4) ? m_bytes.text(k_longest_value) : m_bytes.pick_of(k_values);
   }
@@ -116,7 +122,7 @@ class EDITING {
       case 1:
         return set_value(any_name());
       case 2:
-        return add_value(any_name() + "." + new_name());
+        return add_value(new_member());
       case 3:
         return set_references();
       case 4:
@@ -152,7 +158,7 @@ class EDITING {
 
   bool set_references() {
     const bool is_new = m_bytes.chance(2);
-    const std::string name = is_new ? any_name() + "." + new_name() : any_name();
+    const std::string name = is_new ? new_member() : any_name();
     const OBJECT* const object = find(name);
     if (object == nullptr) m_touched = TOUCHED::INSERTION;
     if (object != nullptr && object->is_reference()) {
