@@ -411,8 +411,8 @@ class RANDOM_SESSION {
       SBD_FILE_PARSER reread;
       ASSERT_TRUE(read_text(reread, after)) << m_what << "\n" << after;
       EXPECT_EQ(dump_shape(reread), dump_shape(m_source.document())) << m_what << "\n"
-                                                           << m_text << "\n=>\n"
-                                                           << after;
+                                                                     << m_text << "\n=>\n"
+                                                                     << after;
       EXPECT_TRUE(m_source.commit());
       m_text = after;
       return;
@@ -427,7 +427,7 @@ class RANDOM_SESSION {
     EXPECT_TRUE(m_source.verify(why)) << why;
   }
 
-    void expect_insertion(const std::string& after) {
+  void expect_insertion(const std::string& after) {
     std::size_t same = 0;
     while (same != m_text.size() && same != after.size() && after[same] == m_text[same]) ++same;
     std::size_t same_end = 0;
