@@ -38,7 +38,7 @@ class SBD_KNOWN_NAMES {
     NAME& found = m_slots[slot];
     if (!is_same(found, name)) {
       static_assert(SBD_FILE_PARSER::SBD_SYMBOL_TABLE::k_bucket_count <= 256);
-      const std::uint32_t bucket =
+      const std::size_t bucket =
           sbd_hash_pjw_padded(name) % SBD_FILE_PARSER::SBD_SYMBOL_TABLE::k_bucket_count;
       found = {copy(name),
                static_cast<std::uint32_t>(name.size()),
