@@ -19,6 +19,7 @@
 #include "sbd/sbd_api.h"
 #include "sbd/sbd_memory.h"
 
+class SBD_JOINED_NAME;
 class SBD_STORE;  // What a document keeps besides its records: memory, source text, name index.
 
 class SBD_API SBD_FILE_PARSER {
@@ -74,7 +75,7 @@ class SBD_API SBD_FILE_PARSER {
     SBD_SYMBOL* name = nullptr;
     SBD_NODE* members = nullptr;    // First member; null for an empty block.
     SBD_NODE* m_last = nullptr;     // Last member, as far as known.
-    void* m_scope_table = nullptr;  // Index of the members' names, for large blocks.
+    void* m_scope_table = nullptr;  // Where the members' names are found.
   };
 
   // name = value [attributes];    or    name < references >;
@@ -494,7 +495,8 @@ class SBD_API SBD_FILE_PARSER {
   bool resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top_level);
   bool check_statement(SBD_STATEMENT* statement);
   SBD_NODE* first_member(const SBD_NODE* scope) const;
-  SBD_NODE* resolve_name(std::string_view ref, const SBD_NODE* scope) const;
+  SBD_NODE* find_object(const char* block, const char* name, const SBD_NODE* scope) const;
+  SBD_NODE* resolve_name(const SBD_JOINED_NAME& name, const SBD_NODE* scope) const;
   SBD_NODE* find_member(const char* block, const char* parameter) const;
   void link_node(SBD_NODE* node, SBD_NODE* parent) noexcept;
   template <class CHANGE>

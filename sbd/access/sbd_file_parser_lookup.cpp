@@ -2,9 +2,32 @@
 #include <cstring>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_file_parser.h"
+
+namespace {
+
+// The first "." or NUL from `next` on, behind which a step can be read.
+const char* find_part_end(const char* next) {
+#if SBD_HAS_SSE2
+  const __m128i dot = _mm_set1_epi8('.');
+  for (;; next += k_run_step) {
+    const __m128i bytes = sbd_load_step(next);
+    const __m128i ends =
+        _mm_or_si128(_mm_cmpeq_epi8(bytes, dot), _mm_cmpeq_epi8(bytes, _mm_setzero_si128()));
+    const unsigned mask = sbd_mask_of(ends);
+    if (mask != 0) return next + sbd_first_clear_bit(~mask);
+  }
+#else
+  while (*next != '.' && *next != '\0') ++next;
+  return next;
+#endif
+}
+
+}  // namespace
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::first_member(const SBD_NODE* scope) const {
   return scope == nullptr ? m_parser_para.root : sbd_members_of(scope);
@@ -12,27 +35,34 @@ SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::first_member(const SBD_NODE* scope) 
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::get_ref_object(const char* ref,
                                                            const SBD_NODE* scope) const {
-  if (m_store == nullptr || ref == nullptr) return nullptr;
-  return resolve_name(ref, scope);
+  return ref != nullptr ? find_object(nullptr, ref, scope) : nullptr;
 }
 
-SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(std::string_view ref,
+SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_object(const char* block, const char* name,
+                                                        const SBD_NODE* scope) const {
+  if (m_store == nullptr) return nullptr;
+  return sbd_guarded(k_source_file_parser, static_cast<SBD_NODE*>(nullptr),
+                     [=] { return resolve_name(SBD_JOINED_NAME(block, name), scope); });
+}
+
+SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(const SBD_JOINED_NAME& name,
                                                          const SBD_NODE* scope) const {
-  std::size_t begin = 0;
-  for (;;) {
-    const std::size_t dot = ref.find('.', begin);
-    const bool has_dot = dot != std::string_view::npos;
-    const std::size_t end = has_dot ? dot : ref.size();
-    if (end == 0 || (has_dot && dot + 1 == ref.size())) {
-      SBD_CHECK(has_dot, "ref[p1] == '.'", k_source_file_parser);
+  const std::string_view whole = name.view();
+  const char* const end = whole.data() + whole.size();
+  for (const char* part = whole.data();;) {
+    const char* const part_end = find_part_end(part);
+    const bool is_last = part_end == end;
+    if (part_end == whole.data() || (!is_last && part_end + 1 == end)) {
+      SBD_CHECK(!is_last, "ref[p1] == '.'", k_source_file_parser);
       return nullptr;
     }
     const SBD_SYMBOL* const symbol =
-        m_store->names.find(scope, first_member(scope), ref.substr(begin, end - begin));
+        m_store->names.find(scope, first_member(scope),
+                            std::string_view(part, static_cast<std::size_t>(part_end - part)));
     if (symbol == nullptr) return nullptr;
-    if (!has_dot) return symbol->node;
+    if (is_last) return symbol->node;
     scope = symbol->node;
-    begin = dot + 1;
+    part = part_end + 1;
   }
 }
 

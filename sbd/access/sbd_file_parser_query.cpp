@@ -91,13 +91,8 @@ bool get_text(const SBD_NODE* node, SBD_STRING& value) {
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_member(const char* block,
                                                         const char* parameter) const {
-  if (m_store == nullptr || block == nullptr || parameter == nullptr) return nullptr;
-  return sbd_guarded(k_source_file_parser, static_cast<SBD_NODE*>(nullptr), [=] {
-    SBD_STRING name(block);
-    name += '.';
-    name += parameter;
-    return resolve_name(name, nullptr);
-  });
+  if (block == nullptr || parameter == nullptr) return nullptr;
+  return find_object(block, parameter, nullptr);
 }
 
 SBD_FILE_PARSER::SBD_BLOCK* SBD_FILE_PARSER::get_block(const char* name) const {

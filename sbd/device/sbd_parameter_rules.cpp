@@ -9,7 +9,7 @@
 #include "sbd/device/sbd_parameter_place.h"
 #include "sbd/device/sbd_rules.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_joined_name.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "sbd/device/sbd_veldran_keyword_texts.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/msg_sbd.h"
-#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_veldran_keywords.h"

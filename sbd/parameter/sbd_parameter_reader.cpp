@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/parameter/sbd_parameter_source.h"
 #include "sbd/parameter/sbd_parameter_store.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/parameter/sbd_parameter_source.h"
 #include "sbd/parameter/sbd_parameter_store.h"
 #include "sbd/reading/sbd_low_bits.h"

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "sbd/parameter/sbd_joined_name.h"
+#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_hash.h"
 
 namespace {

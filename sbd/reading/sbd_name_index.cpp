@@ -1,11 +1,14 @@
 #include "sbd/reading/sbd_name_index.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <limits>
 #include <new>
 
 #include "sbd/reading/sbd_hash.h"
+#include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_tree.h"
 
 using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
@@ -13,15 +16,12 @@ using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 
 namespace {
 
-// Up to so many members are looked through one by one, which takes no longer than a table would.
-constexpr std::size_t k_small_scope = 8;
-
-// Stands in a table for a symbol that is gone.
-const SBD_SYMBOL k_removed;
+// Up to so many members are looked through one by one, which takes no longer than a list would.
+constexpr std::size_t k_small_scope = 2;
 
 std::uint64_t make_seed() noexcept {
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-  const auto place = reinterpret_cast<std::uintptr_t>(&k_removed);
+  const auto place = reinterpret_cast<std::uintptr_t>(&k_hash_seed);
   return sbd_hash_mix(static_cast<std::uint64_t>(now), place);
 }
 
@@ -29,57 +29,26 @@ std::uint64_t make_seed() noexcept {
 
 const std::uint64_t k_hash_seed = make_seed();
 
-// Open addressing; a third of the slots stay empty.
-struct SBD_NAME_INDEX::SCOPE_TABLE {
-  std::uint32_t capacity;
-  SBD_SYMBOL* slots[1];
-
-  static SCOPE_TABLE* make(std::size_t count, SBD_POOL& pool) {
-    const std::size_t capacity = count + count / 2 + 1;
-    const std::size_t size = sizeof(SCOPE_TABLE) + (capacity - 1) * sizeof(SBD_SYMBOL*);
-    auto* table = static_cast<SCOPE_TABLE*>(pool.take(size));
-    table->capacity = static_cast<std::uint32_t>(capacity);
-    std::fill_n(table->slots, capacity, nullptr);
-    return table;
-  }
-
-  // The slot of that name, or the empty one where it would be.
-  SBD_SYMBOL** find_slot(std::uint32_t hash, std::uint16_t tag, std::string_view name) {
-    for (auto index = static_cast<std::size_t>((std::uint64_t{hash} * capacity) >> 32);;
-         index = index + 1 == capacity ? 0 : index + 1) {
-      SBD_SYMBOL* const symbol = slots[index];
-      if (symbol == nullptr) return &slots[index];
-      if (symbol->m_tag == tag && sbd_equal_ignoring_case(symbol->name, name)) {
-        return &slots[index];
-      }
-    }
-  }
-};
-
 namespace {
 
-// True unless a few bits of their hashes tell all symbols apart.
-bool may_have_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
-  std::uint64_t seen = 0;
-  bool may_have = false;
-  for (const auto* one = first; one != last; ++one) {
-    const std::uint64_t bit = std::uint64_t{1} << (one->hash % 64);
-    may_have |= (seen & bit) != 0;
-    seen |= bit;
-  }
-  return may_have;
+bool has_twin(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last,
+              const SBD_OPEN_MEMBER& member) {
+  return std::any_of(first, last, [&member](const SBD_OPEN_MEMBER& other) {
+    return member.hash == other.hash &&
+           sbd_equal_ignoring_case(member.symbol->name, other.symbol->name);
+  });
 }
 
-// Two symbols of a small scope with one name are rare, and pairs are few.
+// Two symbols of a scope with one name are rare, and so are members that a few bits of their hashes
+// don't tell from all before.
 bool has_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
-  if (!may_have_twins(first, last)) return false;
-  for (const auto* one = first; one != last; ++one) {
-    for (const auto* other = first; other != one; ++other) {
-      if (one->hash == other->hash &&
-          sbd_equal_ignoring_case(one->symbol->name, other->symbol->name)) {
-        return true;
-      }
-    }
+  constexpr std::size_t k_word = 64;
+  std::array<std::uint64_t, 4> seen{};
+  for (const auto* member = first; member != last; ++member) {
+    std::uint64_t& word = seen[member->hash / k_word % seen.size()];
+    const std::uint64_t bit = std::uint64_t{1} << (member->hash % k_word);
+    if ((word & bit) != 0 && has_twin(first, member, *member)) return true;
+    word |= bit;
   }
   return false;
 }
@@ -90,8 +59,15 @@ bool SBD_NAME_INDEX::close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first,
                                  const SBD_OPEN_MEMBER* last, std::size_t unnamed, SBD_POOL& pool) {
   const auto count = static_cast<std::size_t>(last - first);
   if (count + unnamed <= k_small_scope) return !has_twins(first, last);
+  if (count != 0 && count <= SBD_SCOPE_LIST::k_most_members) {
+    SBD_SCOPE_LIST* const list = SBD_SCOPE_LIST::make(first, count, pool);
+    if (list != nullptr) {
+      set_table(block, list);
+      return !has_twins(first, last);
+    }
+  }
 
-  SCOPE_TABLE* const table = SCOPE_TABLE::make(count, pool);
+  SBD_SCOPE_HASH* const table = SBD_SCOPE_HASH::make(count, pool);
   bool is_unique = true;
   for (const auto* member = first; member != last; ++member) {
     SBD_SYMBOL* const symbol = member->symbol;
@@ -106,7 +82,7 @@ bool SBD_NAME_INDEX::close_scope(SBD_NODE* block, const SBD_OPEN_MEMBER* first,
   return is_unique;
 }
 
-void SBD_NAME_INDEX::set_table(SBD_NODE* block, SCOPE_TABLE* table) {
+void SBD_NAME_INDEX::set_table(SBD_NODE* block, SBD_SCOPE_TABLE* table) {
   if (block != nullptr) {
     block->block->m_scope_table = table;
   } else {
@@ -118,7 +94,7 @@ void SBD_NAME_INDEX::index_scope(SBD_NODE* block, const SBD_NODE* members, SBD_P
   if (table_of(block) != nullptr) return;
   std::size_t count = 0;
   for (const SBD_NODE* node = members; node != nullptr; node = node->next) ++count;
-  SCOPE_TABLE* const table = SCOPE_TABLE::make(count, pool);
+  SBD_SCOPE_HASH* const table = SBD_SCOPE_HASH::make(count, pool);
   for (const SBD_NODE* node = members; node != nullptr; node = node->next) {
     SBD_SYMBOL* const symbol = sbd_symbol_of(node);
     if (symbol == nullptr || symbol->m_tag == 0) continue;
@@ -128,26 +104,18 @@ void SBD_NAME_INDEX::index_scope(SBD_NODE* block, const SBD_NODE* members, SBD_P
   set_table(block, table);
 }
 
-const SBD_NAME_INDEX::SCOPE_TABLE* SBD_NAME_INDEX::table_of(const SBD_NODE* scope) const {
-  if (scope == nullptr) return m_top_table;
-  if (scope->type != SBD_NODE::NT_BLOCK || scope->block == nullptr) return nullptr;
-  return static_cast<const SCOPE_TABLE*>(scope->block->m_scope_table);
-}
-
-SBD_SYMBOL* SBD_NAME_INDEX::find_read(const SBD_NODE* scope, const SBD_NODE* members,
-                                      std::string_view name) const {
-  const std::uint64_t hash = sbd_hash_name(name);
+SBD_SYMBOL* SBD_NAME_INDEX::find_unlisted(const SBD_SCOPE_TABLE* table, const SBD_NODE* members,
+                                          std::uint64_t hash, std::string_view name) {
   const std::uint16_t tag = sbd_name_tag(hash);
-  if (const SCOPE_TABLE* const table = table_of(scope)) {
-    return *const_cast<SCOPE_TABLE*>(table)->find_slot(static_cast<std::uint32_t>(hash), tag, name);
+  if (table != nullptr) {
+    auto* const slots = const_cast<SBD_SCOPE_HASH*>(static_cast<const SBD_SCOPE_HASH*>(table));
+    return *slots->find_slot(static_cast<std::uint32_t>(hash), tag, name);
   }
   // What the reader made stands before what was added later.
   for (const SBD_NODE* node = members; node != nullptr && node->m_position != 0;
        node = node->next) {
     SBD_SYMBOL* const symbol = sbd_symbol_of(node);
-    if (symbol != nullptr && symbol->m_tag == tag && sbd_equal_ignoring_case(symbol->name, name)) {
-      return symbol;
-    }
+    if (symbol != nullptr && symbol->m_tag == tag && sbd_has_name(*symbol, name)) return symbol;
   }
   return nullptr;
 }
@@ -191,19 +159,17 @@ const SBD_NAME_INDEX::ENTRY_MAP::value_type* SBD_NAME_INDEX::last_entered(
   return last;
 }
 
-SBD_SYMBOL* SBD_NAME_INDEX::find(const SBD_NODE* scope, const SBD_NODE* members,
-                                 std::string_view name) const {
-  if (has_entered()) {
-    const auto* const entry = last_entered(scope, name);
-    if (entry != nullptr) return entry->second;
-  }
-  return find_read(scope, members, name);
+SBD_SYMBOL* SBD_NAME_INDEX::find_any(const SBD_NODE* scope, const SBD_NODE* members,
+                                     std::string_view name) const {
+  const auto* const entry = last_entered(scope, name);
+  return entry != nullptr ? entry->second : find_read(scope, members, name);
 }
 
 bool SBD_NAME_INDEX::has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const {
   if (symbol->parent == nullptr || symbol->name == nullptr) return false;
   const SBD_NODE* const scope = scope_of(symbol);
-  const SBD_SYMBOL* const read = find_read(scope, members, symbol->name);
+  const SBD_SYMBOL* const read =
+      find_read(scope, members, SBD_JOINED_NAME(nullptr, symbol->name).view());
   const auto own = m_entries.find(symbol);
   if (own == m_entries.end()) return symbol->m_tag != 0 && read != nullptr && read != symbol;
   if (read != nullptr) return true;
@@ -239,12 +205,13 @@ void SBD_NAME_INDEX::remove(SBD_SYMBOL* symbol) noexcept {
     m_entries.erase(entry);
     return;
   }
-  auto* const table = const_cast<SCOPE_TABLE*>(table_of(scope_of(symbol)));
+  SBD_SCOPE_TABLE* const table = table_of(scope_of(symbol));
   if (table == nullptr) return;
-  const std::uint64_t hash = sbd_hash_name(symbol->name);
-  SBD_SYMBOL** const slot =
-      table->find_slot(static_cast<std::uint32_t>(hash), symbol->m_tag, symbol->name);
-  if (*slot == symbol) *slot = const_cast<SBD_SYMBOL*>(&k_removed);
+  if (table->listed != 0) {
+    static_cast<SBD_SCOPE_LIST*>(table)->remove(symbol);
+  } else {
+    static_cast<SBD_SCOPE_HASH*>(table)->remove(symbol);
+  }
 }
 
 void SBD_NAME_INDEX::rescope(SBD_SYMBOL* symbol) {

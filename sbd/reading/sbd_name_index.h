@@ -1,9 +1,9 @@
 // Finds the symbol of a name in a scope without walking the bucket chains, which grow with the
 // document.
 //
-// What the reader enters never changes its scope and comes block by block: a scope with many
-// members has a small table of its own, made when the block is closed; the members of a small one
-// are simply looked through. What callers and edits enter later goes into one ordered map.
+// What the reader enters never changes its scope and comes block by block: a scope has a table of
+// its own, made when the block is closed; the members of a very small one are simply looked
+// through. What callers and edits enter later goes into one ordered map.
 #ifndef SBD_READING_SBD_NAME_INDEX_H
 #define SBD_READING_SBD_NAME_INDEX_H
 
@@ -14,14 +14,10 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_pool.h"
+#include "sbd/reading/sbd_scope_table.h"
 #include "sbd/sbd_file_parser.h"
-
-// A name that the reader entered, while the block around it is open.
-struct SBD_OPEN_MEMBER {
-  SBD_FILE_PARSER::SBD_SYMBOL* symbol;
-  std::uint32_t hash;
-};
 
 class SBD_NAME_INDEX {
  public:
@@ -45,12 +41,19 @@ class SBD_NAME_INDEX {
   void index_scope(SBD_NODE* block, const SBD_NODE* members, SBD_POOL& pool);
 
   // The symbol of that name, letter case aside, in that scope which was entered last; null if
-  // there is none. `members` is the scope's first node.
-  SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const;
+  // there is none. `members` is the scope's first node. Behind the name a step can be read.
+  SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const {
+    return has_entered() ? find_any(scope, members, name) : find_read(scope, members, name);
+  }
 
   // The same among those that the reader entered; of two with one name, the first.
   SBD_SYMBOL* find_read(const SBD_NODE* scope, const SBD_NODE* members,
-                        std::string_view name) const;
+                        std::string_view name) const {
+    const std::uint64_t hash = sbd_hash_padded_name(name);
+    const SBD_SCOPE_TABLE* const table = table_of(scope);
+    if (table == nullptr || table->listed == 0) return find_unlisted(table, members, hash, name);
+    return static_cast<const SBD_SCOPE_LIST*>(table)->find(sbd_name_tag(hash), name);
+  }
 
   // True when a symbol of the same name and scope was entered before `symbol`.
   bool has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const;
@@ -75,7 +78,6 @@ class SBD_NAME_INDEX {
   }
 
  private:
-  struct SCOPE_TABLE;
   struct KEY {
     const SBD_NODE* scope;
     bool is_scoped;
@@ -92,12 +94,19 @@ class SBD_NAME_INDEX {
                          std::equal_to<const SBD_SYMBOL*>,
                          SBD_ALLOCATOR<std::pair<const SBD_SYMBOL* const, ENTRY_MAP::iterator>>>;
 
-  void set_table(SBD_NODE* block, SCOPE_TABLE* table);
+  void set_table(SBD_NODE* block, SBD_SCOPE_TABLE* table);
   static KEY key_of(const SBD_SYMBOL* symbol, std::uint64_t serial);
-  const SCOPE_TABLE* table_of(const SBD_NODE* scope) const;
+  SBD_SCOPE_TABLE* table_of(const SBD_NODE* scope) const {
+    if (scope == nullptr) return m_top_table;
+    if (scope->type != SBD_NODE::NT_BLOCK || scope->block == nullptr) return nullptr;
+    return static_cast<SBD_SCOPE_TABLE*>(scope->block->m_scope_table);
+  }
+  static SBD_SYMBOL* find_unlisted(const SBD_SCOPE_TABLE* table, const SBD_NODE* members,
+                                   std::uint64_t hash, std::string_view name);
+  SBD_SYMBOL* find_any(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const;
   const ENTRY_MAP::value_type* last_entered(const SBD_NODE* scope, std::string_view name) const;
 
-  SCOPE_TABLE* m_top_table = nullptr;
+  SBD_SCOPE_TABLE* m_top_table = nullptr;
   ENTRY_MAP m_by_name;
   ENTRIES m_entries;
   std::uint64_t m_serial = 0;
