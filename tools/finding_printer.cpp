@@ -14,12 +14,16 @@ namespace {
 constexpr std::size_t k_number_width = 6;
 constexpr std::size_t k_widest_message = 400;  // A message may quote a token of any length.
 
-std::string_view name_of(SEVERITY severity) {
-  return severity == SEVERITY::WARNING ? "warning" : "error";
-}
-
 STYLE style_of(SEVERITY severity) {
-  return severity == SEVERITY::WARNING ? STYLE::WARNING : STYLE::ERROR;
+  switch (severity) {
+    case SEVERITY::WARNING:
+      return STYLE::WARNING;
+    case SEVERITY::INFO:
+      return STYLE::NOTE;
+    case SEVERITY::ERROR:
+      break;
+  }
+  return STYLE::ERROR;
 }
 
 class FINDING_PRINTER {
@@ -32,6 +36,7 @@ class FINDING_PRINTER {
     print_message(finding);
     if (finding.place) print_excerpt(*finding.place, style_of(finding.severity));
     if (!finding.note.empty()) print_note(finding.note, finding.note_place);
+    if (!finding.mend.empty()) print_note(finding.mend, std::nullopt);
   }
 
   void print_note(std::string_view text, const std::optional<SOURCE_RANGE>& place) {

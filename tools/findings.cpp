@@ -44,10 +44,34 @@ void take_internal_error(const sbd_host::INTERNAL_ERROR& error) noexcept {
   }
 }
 
+std::size_t& count_of(FINDINGS& findings, SEVERITY severity) {
+  switch (severity) {
+    case SEVERITY::WARNING:
+      return findings.warning_count;
+    case SEVERITY::INFO:
+      return findings.info_count;
+    case SEVERITY::ERROR:
+      break;
+  }
+  return findings.error_count;
+}
+
 }  // namespace
 
+std::string_view name_of(SEVERITY severity) {
+  switch (severity) {
+    case SEVERITY::WARNING:
+      return "warning";
+    case SEVERITY::INFO:
+      return "info";
+    case SEVERITY::ERROR:
+      break;
+  }
+  return "error";
+}
+
 FINDING* FINDINGS::add(FINDING finding, std::size_t limit) {
-  ++(finding.severity == SEVERITY::ERROR ? error_count : warning_count);
+  ++count_of(*this, finding.severity);
   if (limit != 0 && list.size() >= limit) {
     ++omitted_count;
     return nullptr;
@@ -67,9 +91,10 @@ FINDING_COLLECTOR::~FINDING_COLLECTOR() {
 }
 
 void FINDING_COLLECTOR::take(const sbd_host::MESSAGE& message) {
-  if (message.severity == SEVERITY::DEBUG) return;
+  if (message.severity == sbd_host::SEVERITY::DEBUG) return;
+  const bool is_warning = message.severity == sbd_host::SEVERITY::WARNING;
   FINDING finding;
-  finding.severity = message.severity;
+  finding.severity = is_warning ? SEVERITY::WARNING : SEVERITY::ERROR;
   finding.key = message.key;
   finding.text = message.text;
   SOURCE_RANGE place;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/sbd_host.h"
@@ -13,7 +14,9 @@
 
 namespace sbd_tool {
 
-using SEVERITY = sbd_host::SEVERITY;
+// The library knows the first two; an INFO is advice that nobody has to follow.
+enum class SEVERITY { ERROR, WARNING, INFO };
+
 using SOURCE_RANGE = SBD_FILE_PARSER::SBD_SOURCE_RANGE;
 
 // One message about a file.
@@ -25,6 +28,10 @@ struct FINDING {
   std::string note;  // What the tool knows besides, such as the cause; may be empty.
   std::optional<SOURCE_RANGE> note_place;  // What the note is about, if that is elsewhere.
   std::string device;  // The device block whose rules were not kept; empty for the format's.
+  std::string mend;    // What may help, such as "did you mean 'enabled'?"; may be empty.
+  // What to write at the place to mend it, where that is certain enough for a proposal.
+  std::string replacement;
+  std::string waiver;  // The reason that the file gives for it being so; see FINDINGS::waived.
 };
 
 // All messages about a file, in the order they came.
@@ -33,8 +40,11 @@ struct FINDINGS {
   std::size_t omitted_count = 0;  // Those that came when the list was full.
   std::size_t error_count = 0;    // With the omitted ones.
   std::size_t warning_count = 0;
+  std::size_t info_count = 0;
+  // Advice that the file says it knows; counted nowhere else.
+  std::vector<FINDING> waived;
 
-  std::size_t count() const { return error_count + warning_count; }
+  std::size_t count() const { return error_count + warning_count + info_count; }
   bool empty() const { return count() == 0; }
 
   // Counts a finding, and keeps it while there are fewer than `limit` (0: in any case). Returns it
@@ -63,6 +73,9 @@ class FINDING_COLLECTOR {
   FINDINGS& m_findings;
   EXPLAIN m_explain;
 };
+
+// "error", "warning" or "info".
+std::string_view name_of(SEVERITY severity);
 
 // Makes the library's messages go to the collector of the thread that posts them, and its internal
 // errors to standard error.

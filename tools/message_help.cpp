@@ -83,7 +83,7 @@ constexpr MESSAGE_HELP k_messages[] = {
      nullptr, nullptr},
     {9, "WSBD_SBD_WARNING", "a warning in the words of a program", k_not_posted,
      "Read the text of the message, and the manual of the program that posts it.", EXAMPLE::NONE,
-     nullptr, nullptr},
+     nullptr, nullptr, SEVERITY::WARNING},
     {10, "ESBD_SBD_NO_DEVICE_BLOCK_ERROR", "there is no device block",
      "A program needs a device block and the file has none. This library and this tool do not "
      "report it: without device blocks they check the format alone.",
@@ -144,7 +144,8 @@ constexpr MESSAGE_HELP k_messages[] = {
      "device board\n{\n    family = veldran_arm;\n    type = qmxa10;\n"
      "    module stripe { endian = little; }\n}\n",
      "device board\n{\n    family = veldran_arm;\n    type = qmxa10;\n"
-     "    module stripe { type = veldran_stripe; endian = little; }\n}\n"}};
+     "    module stripe { type = veldran_stripe; endian = little; }\n}\n",
+     SEVERITY::WARNING}};
 
 bool equal_ignoring_case(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {

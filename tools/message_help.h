@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/findings.h"
+
 namespace sbd_tool {
 
 struct MESSAGE_HELP {  // NOLINT: the fields stand in the order in which one reads them.
@@ -19,6 +21,7 @@ struct MESSAGE_HELP {  // NOLINT: the fields stand in the order in which one rea
   EXAMPLE example;
   const char* faulty;  // Lines, each with its line end; null for EXAMPLE::NONE.
   const char* mended;
+  SEVERITY severity = SEVERITY::ERROR;
 };
 
 // By number, those of the tool at the end.

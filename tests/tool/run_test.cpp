@@ -224,6 +224,45 @@ TEST_F(TOOL, ManyDevicesAreCheckedInOnePass) {
   EXPECT_NE(checked.err.find(" and 2977 more\n"), std::string::npos) << checked.err;
 }
 
+// ---- Many files --------------------------------------------------------------------------------
+
+class TOOL_FILES : public TOOL {
+ protected:
+  void SetUp() override {
+    write("a.sbd", k_small);
+    write("bad.sbd", k_faulty);
+  }
+};
+
+TEST_F(TOOL_FILES, ComeInOrderHoweverManyJobsThereAre) {
+  run("mkdir f; for i in $(seq 300); do cp bad.sbd f/$i.sbd; done");
+  for (const char* const form : {"text", "json", "sarif", "github"}) {
+    const TOOL_RUN alone = run(fmt::format("sbd check --jobs 1 --format {} f", form));
+    EXPECT_EQ(alone.exit_code, 1);
+    EXPECT_NE(alone.out.find("300.sbd"), std::string::npos);
+    for (const int jobs : {2, 5, 64}) {
+      const TOOL_RUN run_by_many =
+          run(fmt::format("sbd check --jobs {} --format {} f", jobs, form));
+      EXPECT_EQ(run_by_many.out, alone.out);
+      EXPECT_EQ(run_by_many.err, alone.err);
+      EXPECT_EQ(run_by_many.exit_code, alone.exit_code);
+    }
+  }
+}
+
+TEST_F(TOOL_FILES, BrokenPipeEndsAllJobs) {
+  run("mkdir f; for i in $(seq 300); do cp bad.sbd f/$i.sbd; done");
+  const TOOL_RUN piped = run("sbd check --jobs 4 f | head -n 1");
+  EXPECT_EQ(count_lines(piped.out), 1U);
+  EXPECT_EQ(piped.err, "");
+}
+
+TEST_F(TOOL_FILES, LongRunsShowTheirProgressOnTerminals) {
+  const std::string slowly = "(sleep 1; cat a.sbd) | sbd check --format-only - a.sbd bad.sbd";
+  EXPECT_NE(run_on_terminal(slowly).out.find("checked 1 of 3 files"), std::string::npos);
+  EXPECT_EQ(run(slowly).err, "1 error in 1 of 3 files\n");
+}
+
 // ---- Deep nesting ------------------------------------------------------------------------------
 
 class TOOL_DEPTH : public TOOL {

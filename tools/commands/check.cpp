@@ -2,15 +2,21 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "tools/check_printer.h"
 #include "tools/commands/command.h"
 #include "tools/commands/options.h"
-#include "tools/descriptor.h"
 #include "tools/device_view.h"
-#include "tools/finding_printer.h"
+#include "tools/file_check.h"
+#include "tools/file_search.h"
 #include "tools/input.h"
+#include "tools/lookup.h"
+#include "tools/ordered_work.h"
+#include "tools/progress.h"
 #include "tools/visible_text.h"
 
 namespace sbd_tool {
@@ -20,12 +26,16 @@ namespace {
 constexpr char k_examples[] =
     "Checks the format and then, by the rules of the chip, each device block, or the ones that\n"
     "--device names. Prints every finding with its place and its cause, and ends with exit code 1\n"
-    "when there is an error.\n"
+    "when there is an error. Folders are searched for *.sbd.\n"
     "\n"
     "Examples:\n"
     "  sbd check board.sbd\n"
+    "  sbd check boards/ --jobs 8\n"
     "  sbd check --device io_board rack.sbd\n"
     "  sbd check --format-only fragments/*.sbd\n"
+    "  sbd check --format sarif boards/ > findings.sarif\n"
+    "  sbd check --format github boards/\n"
+    "  sbd check --json board.sbd | jq '.files[].findings[].key'\n"
     "  sbd check -v boards/*.sbd\n"
     "  sbd check -q board.sbd && echo fine\n"
     "  generate_board | sbd check -";
@@ -34,39 +44,92 @@ std::string count_of(std::size_t count, std::string_view thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
-// What was found in all files together.
-struct TOTALS {
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
-  std::size_t files = 0;
-  std::size_t files_with_findings = 0;
+std::string summarize(const CHECK_TOTALS& totals) {
+  const std::string files = count_of(totals.files, "file");
+  if (totals.files_with_findings == 0) return fmt::format("no errors in {}", files);
+  std::string text = count_of(totals.errors, "error");
+  if (totals.warnings != 0) text += " and " + count_of(totals.warnings, "warning");
+  return totals.files == 1 ? text
+                           : fmt::format("{} in {} of {}", text, totals.files_with_findings, files);
+}
 
-  void add(const FINDINGS& findings) {
-    ++files;
-    errors += findings.error_count;
-    warnings += findings.warning_count;
-    if (!findings.empty()) ++files_with_findings;
-  }
+// ---- Forms -------------------------------------------------------------------------------------
 
-  std::string summarize() const {
-    if (files_with_findings == 0) return fmt::format("no errors in {}", count_of(files, "file"));
-    std::string text = count_of(errors, "error");
-    if (warnings != 0) text += " and " + count_of(warnings, "warning");
-    return files == 1 ? text
-                      : fmt::format("{} in {} of {} files", text, files_with_findings, files);
-  }
+using MAKE_PRINTER = std::unique_ptr<CHECK_PRINTER> (*)(OUTPUT& output, COLOR_CHOICE colors);
+
+struct FORM {
+  const char* name;
+  MAKE_PRINTER make_printer;
 };
+
+constexpr FORM k_forms[] = {
+    {"text",
+     [](OUTPUT& output, COLOR_CHOICE colors) {
+       return make_text_printer(output, make_painter(colors, output));
+     }},
+    {"json", [](OUTPUT& output, COLOR_CHOICE) { return make_json_printer(output); }},
+    {"sarif", [](OUTPUT& output, COLOR_CHOICE) { return make_sarif_printer(output); }},
+    {"github", [](OUTPUT& output, COLOR_CHOICE) { return make_github_printer(output); }},
+};
+constexpr const FORM& k_text_form = k_forms[0];
+constexpr const FORM& k_json_form = k_forms[1];
+
+std::vector<std::string> list_forms() {
+  std::vector<std::string> names;
+  for (const FORM& form : k_forms) names.emplace_back(form.name);
+  return names;
+}
+
+const FORM& find_form(std::string_view name) {
+  return *std::find_if(std::begin(k_forms), std::end(k_forms),
+                       [name](const FORM& form) { return form.name == name; });
+}
+
+// ---- The command -------------------------------------------------------------------------------
 
 class CHECK_COMMAND : public COMMAND {
  public:
   COMMAND_SYNTAX declare(const COMMAND_SYNTAX& tool) override {
     const COMMAND_SYNTAX command = tool.add_command("check", "Say what is wrong with files");
-    command.add_positional("FILE", m_files, "Descriptor files; \"-\" is standard input").required();
-    const OPTION_SYNTAX format_only = command.add_flag(
-        "--format-only", m_is_format_only, "Do not look at what the format means to a device");
     command
-        .add_option("--device", "NAME", m_devices, "Check this device block only; may be repeated")
+        .add_positional("FILE-OR-FOLDER", m_names,
+                        "Descriptor files, and folders to search; \"-\" is standard input")
+        .required();
+    const OPTION_SYNTAX form = command.add_choice(
+        "--format", "FORM", list_forms(),
+        [this](const std::string& name) { m_form = &find_form(name); },
+        "text (the default), json, sarif or github");
+    command.add_flag("--json", m_is_json, "The same as --format json").excludes(form);
+    declare_checks(command);
+    declare_output(command);
+    command.set_footer(k_examples);
+    return command;
+  }
+
+  void run(SESSION& session) override {
+    if (std::count(m_names.begin(), m_names.end(), k_standard_input) > 1) {
+      session.complain("standard input can be read only once", EXIT_UNUSABLE);
+      return;
+    }
+    if (m_is_json) m_form = &k_json_form;
+    const std::vector<std::string> files = find_files(session);
+    if (!files.empty()) check(session, files);
+  }
+
+ private:
+  void declare_checks(const COMMAND_SYNTAX& command) {
+    const OPTION_SYNTAX format_only =
+        command.add_flag("--format-only", m_options.is_format_only,
+                         "Do not look at what the format means to a device");
+    command
+        .add_option("--device", "NAME", m_options.devices,
+                    "Check this device block only; may be repeated")
         .excludes(format_only);
+    command.add_count("-j,--jobs", "N", "jobs", m_jobs,
+                      "Check so many files at a time (default: one for each processor)");
+  }
+
+  void declare_output(const COMMAND_SYNTAX& command) {
     const OPTION_SYNTAX quiet =
         command.add_flag("-q,--quiet", m_is_quiet, "Print nothing: the exit code says it all");
     command
@@ -74,88 +137,72 @@ class CHECK_COMMAND : public COMMAND {
                   "Say what was checked, and print a summary in any case")
         .excludes(quiet);
     command.add_count(
-        "--max-findings", "N", "findings", m_finding_limit,
+        "--max-findings", "N", "findings", m_options.finding_limit,
         fmt::format("Print so many findings of each file (0: all of them; default: {})",
                     k_default_finding_limit));
     add_color(command, m_colors);
-    command.set_footer(k_examples);
-    return command;
   }
 
-  void run(SESSION& session) override {
-    if (std::count(m_files.begin(), m_files.end(), k_standard_input) > 1) {
-      session.complain("standard input can be read only once", EXIT_UNUSABLE);
-      return;
+  std::vector<std::string> find_files(SESSION& session) const {
+    FILE_SEARCH search = search_files(m_names);
+    for (const std::string& folder : search.empty_folders) {
+      session.complain(fmt::format("no *{} in {}", k_descriptor_extension, quote_name(folder)),
+                       EXIT_UNUSABLE);
     }
-    TOTALS totals;
-    for (const std::string& file : m_files) totals.add(check(session, file));
+    for (const auto& [folder, reason] : search.unreadable_folders) {
+      session.complain(fmt::format("can't search {}: {}", quote_name(folder), reason),
+                       EXIT_UNUSABLE);
+    }
+    return std::move(search.files);
+  }
+
+  void check(SESSION& session, const std::vector<std::string>& files) const {
+    const std::unique_ptr<CHECK_PRINTER> printer =
+        m_is_quiet ? nullptr : m_form->make_printer(session.out(), m_colors);
+    PROGRESS progress(session.err(), files.size(), "files");
+    CHECK_TOTALS totals;
+    std::vector<CHECKED_FILE> results(files.size());
+    if (printer) printer->begin();
+    do_in_order(
+        files.size(), m_jobs != 0 ? m_jobs : count_processors(),
+        [&](std::size_t i) { results[i] = check_file(files[i], m_options); },
+        [&](std::size_t i) {
+          const CHECKED_FILE file = std::move(results[i]);
+          totals.add(file.findings);
+          session.note(file.outcome);
+          if (printer) print(session, *printer, progress, file);
+          progress.show(i + 1);
+        });
+    progress.clear();
+    if (printer) printer->end(totals);
     print_summary(session, totals);
   }
 
- private:
-  // A device that was checked.
-  struct DEVICE_RESULT {
-    std::string name;
-    std::string chip;
-    std::size_t parameter_count = 0;  // 0 when they could not be checked.
-    std::size_t finding_count = 0;
-  };
-
-  FINDINGS check(SESSION& session, const std::string& file) {
-    const auto descriptor = read_descriptor(file, m_finding_limit);
-    const bool has_good_format = descriptor->outcome == EXIT_FINE;
-    std::vector<DEVICE_RESULT> devices;
-    if (has_good_format && !m_is_format_only) devices = check_devices(*descriptor);
-    session.note(descriptor->outcome);
-    if (!m_is_quiet) {
-      print_findings(session.out(), make_painter(m_colors, session.out()), descriptor->name,
-                     descriptor->source, descriptor->findings);
-    }
-    if (has_good_format) tell_devices(session, *descriptor, devices);
-    return std::move(descriptor->findings);
-  }
-
-  std::vector<DEVICE_RESULT> check_devices(DESCRIPTOR& descriptor) const {
-    std::vector<DEVICE_RESULT> devices;
-    const bool is_each = m_devices.empty();
-    for (const std::string& name : is_each ? list_devices(descriptor.document) : m_devices) {
-      const std::size_t findings_before = descriptor.findings.count();
-      DEVICE_RESULT device;
-      device.name = name;
-      if (open_device(descriptor, name, m_finding_limit)) {
-        device.parameter_count = count_parameters(descriptor.document);
-      }
-      SBD_STRING chip;
-      if (descriptor.document.get_chip_type_name(chip)) device.chip = chip;
-      device.finding_count = descriptor.findings.count() - findings_before;
-      devices.push_back(std::move(device));
-    }
-    return devices;
-  }
-
-  static std::size_t count_parameters(const SBD_VELDRAN& device) {
-    SBD_STRING_LIST parameters;
-    sbd_get_parameter_names(device.get_chip_type(), parameters);
-    return parameters.size();
+  void print(SESSION& session, CHECK_PRINTER& printer, PROGRESS& progress,
+             const CHECKED_FILE& file) const {
+    const bool is_silent = m_form == &k_text_form && file.findings.empty() && !m_is_verbose;
+    if (!is_silent) progress.clear();
+    printer.print(file);
+    if (file.has_good_format) tell_devices(session, file);
   }
 
   // What was looked at; without it nobody could tell a fine device from one that was passed over.
-  void tell_devices(SESSION& session, const DESCRIPTOR& descriptor,
-                    const std::vector<DEVICE_RESULT>& devices) const {
-    const bool is_unclear = m_devices.empty() && devices.size() > 1 && !descriptor.findings.empty();
-    if (m_is_quiet || !(m_is_verbose || is_unclear)) return;
+  void tell_devices(SESSION& session, const CHECKED_FILE& file) const {
+    const bool is_unclear = m_form == &k_text_form && m_options.devices.empty() &&
+                            file.devices.size() > 1 && !file.findings.empty();
+    if (!m_is_verbose && !is_unclear) return;
     session.out().flush();
-    const auto tell = [&session, &descriptor](const std::string& text) {
-      session.err().write_line(make_visible(descriptor.name + ": " + text));
+    const auto tell = [&session, &file](const std::string& text) {
+      session.err().write_line(make_visible(file.name + ": " + text));
     };
     if (!m_is_verbose) {
-      tell(summarize(devices));
+      tell(name_devices(file.devices));
       return;
     }
-    for (const DEVICE_RESULT& device : devices) tell(describe(device));
-    if (!devices.empty()) return;
-    tell(m_is_format_only ? "only the format checked"
-                          : "only the format checked, there is no device block");
+    for (const DEVICE_RESULT& device : file.devices) tell(describe(device));
+    if (!file.devices.empty()) return;
+    tell(m_options.is_format_only ? "only the format checked"
+                                  : "only the format checked, there is no device block");
   }
 
   static std::string describe(const DEVICE_RESULT& device) {
@@ -168,7 +215,7 @@ class CHECK_COMMAND : public COMMAND {
     return fmt::format("device {}{}: {} checked, {}", device.name, chip, parameters, findings);
   }
 
-  static std::string summarize(const std::vector<DEVICE_RESULT>& devices) {
+  static std::string name_devices(const std::vector<DEVICE_RESULT>& devices) {
     std::vector<std::string> fine;
     std::vector<std::string> faulty;
     for (const DEVICE_RESULT& device : devices) {
@@ -178,17 +225,19 @@ class CHECK_COMMAND : public COMMAND {
                        fine.empty() ? "none" : join_device_names(fine));
   }
 
-  void print_summary(SESSION& session, const TOTALS& totals) {
-    const bool is_worth_saying = totals.files > 1 && totals.files_with_findings > 0;
+  void print_summary(SESSION& session, const CHECK_TOTALS& totals) const {
+    const bool is_worth_saying =
+        m_form == &k_text_form && totals.files > 1 && totals.files_with_findings > 0;
     if (m_is_quiet || !(is_worth_saying || m_is_verbose)) return;
     session.out().flush();
-    session.err().write_line(totals.summarize());
+    session.err().write_line(summarize(totals));
   }
 
-  std::vector<std::string> m_files;
-  std::vector<std::string> m_devices;
-  bool m_is_format_only = false;
-  std::size_t m_finding_limit = k_default_finding_limit;
+  std::vector<std::string> m_names;
+  CHECK_OPTIONS m_options;
+  const FORM* m_form = &k_text_form;
+  bool m_is_json = false;
+  std::size_t m_jobs = 0;
   bool m_is_quiet = false;
   bool m_is_verbose = false;
   COLOR_CHOICE m_colors = COLOR_CHOICE::AUTO;

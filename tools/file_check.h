@@ -1,0 +1,43 @@
+// A file checked as a whole: its format, its devices, and what else there is to say about it.
+#ifndef TOOLS_FILE_CHECK_H
+#define TOOLS_FILE_CHECK_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/descriptor.h"
+#include "tools/exit_code.h"
+#include "tools/findings.h"
+
+namespace sbd_tool {
+
+struct CHECK_OPTIONS {
+  std::vector<std::string> devices;  // Only these; all that there are if it is empty.
+  bool is_format_only = false;
+  std::size_t finding_limit = k_default_finding_limit;  // As in FINDING_COLLECTOR.
+};
+
+// A device that was checked.
+struct DEVICE_RESULT {
+  std::string name;
+  std::string chip;
+  std::size_t parameter_count = 0;  // 0 when they could not be checked.
+  std::size_t finding_count = 0;
+};
+
+struct CHECKED_FILE {
+  std::string name;    // As messages call the file.
+  std::string source;  // What was read; empty when nothing was found.
+  bool has_good_format = false;
+  FINDINGS findings;
+  std::vector<DEVICE_RESULT> devices;
+  EXIT_CODE outcome = EXIT_UNUSABLE;
+};
+
+// May be called from several threads at a time.
+CHECKED_FILE check_file(const std::string& path, const CHECK_OPTIONS& options);
+
+}  // namespace sbd_tool
+
+#endif
