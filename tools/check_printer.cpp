@@ -26,6 +26,7 @@ void CHECK_TOTALS::add(const FINDINGS& findings) {
   errors += findings.error_count;
   warnings += findings.warning_count;
   infos += findings.info_count;
+  hidden += findings.hidden_count;
   if (!findings.empty()) ++files_with_findings;
 }
 

@@ -16,6 +16,7 @@ struct CHECK_TOTALS {
   std::size_t errors = 0;
   std::size_t warnings = 0;
   std::size_t infos = 0;
+  std::size_t hidden = 0;
   std::size_t files = 0;
   std::size_t files_with_findings = 0;
 

@@ -16,6 +16,10 @@ struct CHECK_OPTIONS {
   std::vector<std::string> devices;  // Only these; all that there are if it is empty.
   bool is_format_only = false;
   std::size_t finding_limit = k_default_finding_limit;  // As in FINDING_COLLECTOR.
+  bool has_advice = true;
+  bool has_infos = false;             // Otherwise they are only counted.
+  std::vector<std::string> disabled;  // Keys of advice that is not wanted.
+  bool do_warnings_count = false;     // They are faults as errors are.
 };
 
 // A device that was checked.

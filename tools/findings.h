@@ -41,6 +41,7 @@ struct FINDINGS {
   std::size_t error_count = 0;    // With the omitted ones.
   std::size_t warning_count = 0;
   std::size_t info_count = 0;
+  std::size_t hidden_count = 0;  // Of infos that nobody asked for; counted nowhere else.
   // Advice that the file says it knows; counted nowhere else.
   std::vector<FINDING> waived;
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "tools/advice.h"
 #include "tools/device_view.h"
 
 namespace sbd_tool {
@@ -145,6 +146,111 @@ constexpr MESSAGE_HELP k_messages[] = {
      "    module stripe { endian = little; }\n}\n",
      "device board\n{\n    family = veldran_arm;\n    type = qmxa10;\n"
      "    module stripe { type = veldran_stripe; endian = little; }\n}\n",
+     SEVERITY::WARNING},
+    {0, k_unknown_parameter_key, "nothing looks at a parameter",
+     "The stripe's module has a parameter that the device does not know in this block, so what it "
+     "says is ignored without a word, and a default may count in its place. Mostly the name is "
+     "misspelled, or the parameter stands in the wrong block.",
+     "Correct the name, or move the parameter to its block. sbd explain with the block's name "
+     "lists what it has. A parameter that is there for other programs is waived with a comment.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    ahb1_divde = 8;\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    ahb1_divide = 8;\n    pll_sdram_bypass = true;\n}\n",
+     SEVERITY::WARNING},
+    {0, k_unknown_block_key, "nothing looks at a block",
+     "The stripe's module has a block whose name the device does not know in this place. All that "
+     "is in it is ignored without a word, as if the block were not there.",
+     "Correct the name, or move the block. A block that is there for other programs is waived with "
+     "a comment.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nparameters urat { enabled = false; }\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nparameters uart { enabled = false; }\n",
+     SEVERITY::WARNING},
+    {0, k_not_read_key, "the device does not depend on a parameter or block",
+     "The name is one that the format uses to describe a stripe, the statement is a reference, or "
+     "the block says what the stripe is made of; people and other programs may read it. What the "
+     "device is set to does not depend on it.",
+     "Nothing has to be done. What is meant to change a setting has to be stated in the parameter "
+     "of that setting.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    desired_ahb1_clock_frequency = 6250000;\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    ahb1_divide = 4;\n    pll_sdram_bypass = true;\n}\n",
+     SEVERITY::INFO},
+    {0, k_windows_overlap_key, "two enabled memory windows overlap",
+     "An address that belongs to both windows can be answered by one of them only. Windows that "
+     "are disabled, or whose controller is, do not count.",
+     "Move one of the windows, make it smaller, or disable it. sbd params with '*.address_*' shows "
+     "where they are.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nregion sram[0] { address_base = 0x20000000; address_size = "
+     "128K; }\n"
+     "region sram[1] { address_base = 0x20010000; address_size = 128K; }\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nregion sram[0] { address_base = 0x20000000; address_size = "
+     "128K; }\n"
+     "region sram[1] { address_base = 0x20020000; address_size = 128K; }\n",
+     SEVERITY::WARNING},
+    {0, k_window_end_key, "a memory window ends beyond 4 GiB",
+     "Addresses have 32 bits. What a window has beyond the last one, 0xFFFFFFFF, can't be reached; "
+     "of a base or size of 4 GiB or more, the device takes the low 32 bits only.",
+     "Move the window to a lower address, or make it smaller.", EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nregion pld[0] { address_base = 0xFFFF0000; address_size = "
+     "128K; }\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\nregion pld[0] { address_base = 0xFFFE0000; address_size = "
+     "128K; }\n",
+     SEVERITY::WARNING},
+    {0, k_no_effect_key, "settings have no effect",
+     "Another setting, which the note names, makes these void: their controller is disabled, a PLL "
+     "is bypassed, or a mode does without them. The first of them is marked.",
+     "Remove them, or change the setting that makes them void. Values that are kept on purpose are "
+     "waived with a comment.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_ahb_m = 8;\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\n",
+     SEVERITY::WARNING},
+    {0, k_default_key, "a parameter states its default",
+     "The value is the one that counts without the statement.",
+     "Nothing has to be done: stating a default may make a descriptor clearer. Otherwise remove "
+     "the statement, but not the last one of its block, whose presence counts.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    ahb1_divide = 2;\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_sdram_bypass = true;\n}\n",
+     SEVERITY::INFO},
+    {0, k_idle_waiver_key, "a waiver matches nothing",
+     "A comment waives advice that is not given in its scope: the statement or block that follows "
+     "it, the block that it opens, or its line.",
+     "Remove the comment, or put it where the advice is.", EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_ahb_m = 8;\n"
+     "    # sbd: allow TOOL_NO_EFFECT - values of the bench\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    # sbd: allow TOOL_NO_EFFECT - values of the bench\n"
+     "    pll_ahb_m = 8;\n    pll_sdram_bypass = true;\n}\n",
+     SEVERITY::WARNING},
+    {0, k_faulty_waiver_key, "a waiver is not well formed",
+     "Comments that begin with \"sbd:\" are waivers. This one has no code, no reason, or a code "
+     "that is no advice: errors can't be waived. It is not heeded.",
+     "Write it as # sbd: allow CODE - reason, with several codes as CODE, CODE. The reason is for "
+     "those who wonder later.",
+     EXAMPLE::FRAGMENT,
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_ahb_m = 8;   # sbd: allow TOOL_NO_EFFECT\n    pll_sdram_bypass = true;\n}\n",
+     "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
+     "    pll_ahb_m = 8;   # sbd: allow TOOL_NO_EFFECT - values of the bench\n    pll_sdram_bypass "
+     "= true;\n}\n",
      SEVERITY::WARNING}};
 
 bool equal_ignoring_case(std::string_view a, std::string_view b) {

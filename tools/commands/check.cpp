@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/advice.h"
 #include "tools/check_printer.h"
 #include "tools/commands/command.h"
 #include "tools/commands/options.h"
@@ -15,6 +16,8 @@
 #include "tools/file_search.h"
 #include "tools/input.h"
 #include "tools/lookup.h"
+#include "tools/message_help.h"
+#include "tools/near_names.h"
 #include "tools/ordered_work.h"
 #include "tools/progress.h"
 #include "tools/visible_text.h"
@@ -27,6 +30,8 @@ constexpr char k_examples[] =
     "Checks the format and then, by the rules of the chip, each device block, or the ones that\n"
     "--device names. Prints every finding with its place and its cause, and ends with exit code 1\n"
     "when there is an error. Folders are searched for *.sbd.\n"
+    "Advice comes as warnings; a file waives it with a comment such as\n"
+    "  # sbd: allow TOOL_NO_EFFECT - values of the bench\n"
     "\n"
     "Examples:\n"
     "  sbd check board.sbd\n"
@@ -36,6 +41,7 @@ constexpr char k_examples[] =
     "  sbd check --format sarif boards/ > findings.sarif\n"
     "  sbd check --format github boards/\n"
     "  sbd check --json board.sbd | jq '.files[].findings[].key'\n"
+    "  sbd check --info --werror --disable TOOL_NO_EFFECT board.sbd\n"
     "  sbd check -v boards/*.sbd\n"
     "  sbd check -q board.sbd && echo fine\n"
     "  generate_board | sbd check -";
@@ -46,11 +52,16 @@ std::string count_of(std::size_t count, std::string_view thing) {
 
 std::string summarize(const CHECK_TOTALS& totals) {
   const std::string files = count_of(totals.files, "file");
-  if (totals.files_with_findings == 0) return fmt::format("no errors in {}", files);
-  std::string text = count_of(totals.errors, "error");
+  std::string text = totals.errors != 0 ? count_of(totals.errors, "error") : "no errors";
   if (totals.warnings != 0) text += " and " + count_of(totals.warnings, "warning");
-  return totals.files == 1 ? text
-                           : fmt::format("{} in {} of {}", text, totals.files_with_findings, files);
+  if (totals.infos != 0) text += " and " + count_of(totals.infos, "info");
+  if (totals.files_with_findings == 0) {
+    text += " in " + files;
+  } else if (totals.files != 1) {
+    text += fmt::format(" in {} of {}", totals.files_with_findings, files);
+  }
+  if (totals.hidden == 0) return text;
+  return text + fmt::format("; {} not shown (--info)", count_of(totals.hidden, "info"));
 }
 
 // ---- Forms -------------------------------------------------------------------------------------
@@ -101,6 +112,7 @@ class CHECK_COMMAND : public COMMAND {
         "text (the default), json, sarif or github");
     command.add_flag("--json", m_is_json, "The same as --format json").excludes(form);
     declare_checks(command);
+    declare_advice(command);
     declare_output(command);
     command.set_footer(k_examples);
     return command;
@@ -111,6 +123,7 @@ class CHECK_COMMAND : public COMMAND {
       session.complain("standard input can be read only once", EXIT_UNUSABLE);
       return;
     }
+    if (!resolve_disabled(session)) return;
     if (m_is_json) m_form = &k_json_form;
     const std::vector<std::string> files = find_files(session);
     if (!files.empty()) check(session, files);
@@ -127,6 +140,43 @@ class CHECK_COMMAND : public COMMAND {
         .excludes(format_only);
     command.add_count("-j,--jobs", "N", "jobs", m_jobs,
                       "Check so many files at a time (default: one for each processor)");
+  }
+
+  void declare_advice(const COMMAND_SYNTAX& command) {
+    const OPTION_SYNTAX no_advice = command.add_flag("--no-advice", m_has_no_advice,
+                                                     "Say what breaks the rules and nothing else");
+    command
+        .add_option("--disable", "CODE", m_options.disabled,
+                    "Leave out this advice, such as TOOL_NO_EFFECT; may be repeated")
+        .excludes(no_advice);
+    command
+        .add_flag("--info", m_options.has_infos,
+                  "Print advice that need not be followed, too, such as stated defaults")
+        .excludes(no_advice);
+    command.add_flag("--werror", m_options.do_warnings_count,
+                     "End with exit code 1 when there is a warning");
+  }
+
+  // Makes keys of what was given for --disable.
+  bool resolve_disabled(SESSION& session) {
+    m_options.has_advice = !m_has_no_advice;
+    const std::vector<std::string_view>& advice = list_advice_keys();
+    for (std::string& key : m_options.disabled) {
+      const MESSAGE_HELP* const message = find_message(key);
+      const bool is_advice = message != nullptr &&
+                             std::find(advice.begin(), advice.end(), message->key) != advice.end();
+      if (is_advice) {
+        key = message->key;
+        continue;
+      }
+      const std::vector<std::string> known(advice.begin(), advice.end());
+      const std::string suggestion = ask_for(find_near_texts(known, key));
+      session.complain(fmt::format("--disable: {} is no code of advice{}{}", quote_name(key),
+                                   suggestion.empty() ? "" : "; ", suggestion),
+                       EXIT_UNUSABLE);
+      return false;
+    }
+    return true;
   }
 
   void declare_output(const COMMAND_SYNTAX& command) {
@@ -237,6 +287,7 @@ class CHECK_COMMAND : public COMMAND {
   CHECK_OPTIONS m_options;
   const FORM* m_form = &k_text_form;
   bool m_is_json = false;
+  bool m_has_no_advice = false;
   std::size_t m_jobs = 0;
   bool m_is_quiet = false;
   bool m_is_verbose = false;
