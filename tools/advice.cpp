@@ -9,9 +9,9 @@ namespace sbd_tool {
 
 const std::vector<std::string_view>& list_advice_keys() {
   static const std::vector<std::string_view> k_keys = {
-      k_unknown_parameter_key, k_unknown_block_key, k_not_read_key,
-      k_windows_overlap_key,   k_window_end_key,    k_no_effect_key,
-      k_default_key,           k_idle_waiver_key,   k_faulty_waiver_key};
+      k_unknown_parameter_key, k_unknown_block_key, k_not_read_key, k_windows_overlap_key,
+      k_window_end_key,        k_no_effect_key,     k_default_key,  k_value_changes_key,
+      k_idle_waiver_key,       k_faulty_waiver_key};
   return k_keys;
 }
 

@@ -19,6 +19,8 @@ inline constexpr char k_windows_overlap_key[] = "TOOL_WINDOWS_OVERLAP";
 inline constexpr char k_window_end_key[] = "TOOL_WINDOW_BEYOND_4G";
 inline constexpr char k_no_effect_key[] = "TOOL_NO_EFFECT";
 inline constexpr char k_default_key[] = "TOOL_DEFAULT_STATED";
+// With another chip, see tools/chip_change.h.
+inline constexpr char k_value_changes_key[] = "TOOL_VALUE_CHANGES";
 // About waivers, see tools/waivers.h.
 inline constexpr char k_idle_waiver_key[] = "TOOL_IDLE_WAIVER";
 inline constexpr char k_faulty_waiver_key[] = "TOOL_FAULTY_WAIVER";

@@ -65,6 +65,10 @@ class JSON_PRINTER : public CHECK_PRINTER {
     m_json.text(device.name);
     m_json.key("chip");
     m_json.text(device.chip);
+    if (!device.own_chip.empty()) {
+      m_json.key("own_chip");
+      m_json.text(device.own_chip);
+    }
     m_json.key("parameters");
     m_json.count(device.parameter_count);
     m_json.key("findings");

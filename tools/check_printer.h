@@ -46,6 +46,10 @@ std::unique_ptr<CHECK_PRINTER> make_sarif_printer(OUTPUT& output);
 // Commands that make a GitHub workflow mark lines.
 std::unique_ptr<CHECK_PRINTER> make_github_printer(OUTPUT& output);
 
+// The chips that devices fit, and what they break on the others; as text and as JSON.
+std::unique_ptr<CHECK_PRINTER> make_matrix_text_printer(OUTPUT& output, const PAINTER& painter);
+std::unique_ptr<CHECK_PRINTER> make_matrix_json_printer(OUTPUT& output);
+
 }  // namespace sbd_tool
 
 #endif

@@ -31,8 +31,8 @@ class ADVICE_FILTER {
   // To be called when all advice has been added.
   void add_waiver_faults() {
     std::vector<FINDING> faults = m_waivers.list_faults();
-    // Of a device that was left out, nobody knows what there is to waive.
-    if (m_options.devices.empty()) {
+    // Of a device that was left out, or is another one now, nobody knows what there is to waive.
+    if (m_options.devices.empty() && m_options.chip.empty()) {
       for (FINDING& idle : m_waivers.list_idle(m_options.disabled))
         faults.push_back(std::move(idle));
     }
@@ -61,32 +61,81 @@ class ADVICE_FILTER {
   FINDINGS& m_findings;
 };
 
-// `advice` is null where none is wanted.
-DEVICE_RESULT check_device(DESCRIPTOR& descriptor, const std::string& name,
-                           const CHECK_OPTIONS& options, ADVICE_FILTER* advice) {
-  DEVICE_RESULT device;
-  device.name = name;
-  const std::size_t findings_before = descriptor.findings.count();
-  if (open_device(descriptor, name, options.finding_limit)) {
-    device.parameter_count = count_parameters(descriptor.document);
-    if (advice != nullptr) advice->add_all(give_advice(descriptor.document));
+class DEVICE_CHECK {
+ public:
+  // `advice` is null where none is wanted.
+  DEVICE_CHECK(DESCRIPTOR& descriptor, const CHECK_OPTIONS& options, ADVICE_FILTER* advice)
+      : m_descriptor(descriptor),
+        m_document(descriptor.document),
+        m_options(options),
+        m_advice(advice) {}
+
+  DEVICE_RESULT check(const std::string& name) {
+    DEVICE_RESULT device;
+    device.name = name;
+    if (!m_options.chip.empty()) change_chip(device);
+    const std::size_t findings_before = m_descriptor.findings.count();
+    if (open_device(m_descriptor, name, m_options.finding_limit)) {
+      device.parameter_count = count_parameters(m_document);
+      if (m_advice != nullptr) m_advice->add_all(give_advice(m_document));
+      if (m_advice != nullptr && !device.own_chip.empty()) {
+        m_advice->add_all(list_changes(m_document, m_parameters_before, device.own_chip));
+      }
+    }
+    device.chip = get_chip();
+    device.finding_count = m_descriptor.findings.count() - findings_before;
+    return device;
   }
-  SBD_STRING chip;
-  if (descriptor.document.get_chip_type_name(chip)) device.chip = chip;
-  device.finding_count = descriptor.findings.count() - findings_before;
-  return device;
+
+ private:
+  std::string get_chip() const {
+    SBD_STRING chip;
+    return m_document.get_chip_type_name(chip) ? std::string(chip) : std::string();
+  }
+
+  // What is wrong with its own chip is not what was asked for.
+  void change_chip(DEVICE_RESULT& device) {
+    FINDINGS findings;
+    const FINDING_COLLECTOR collector(m_document, 1, findings);
+    m_document.select_device(device.name.c_str());
+    const std::string own_chip = get_chip();
+    if (own_chip == m_options.chip) return;
+    device.own_chip = own_chip;
+    m_parameters_before = list_parameters(m_document);
+    assume_chip(m_document, device.name, m_options.chip);
+  }
+
+  DESCRIPTOR& m_descriptor;
+  SBD_VELDRAN& m_document;
+  const CHECK_OPTIONS& m_options;
+  ADVICE_FILTER* m_advice;
+  std::vector<PARAMETER_VIEW> m_parameters_before;
+};
+
+std::vector<std::string> choose_devices(const DESCRIPTOR& descriptor,
+                                        const CHECK_OPTIONS& options) {
+  return options.devices.empty() ? list_devices(descriptor.document) : options.devices;
 }
 
 std::vector<DEVICE_RESULT> check_devices(DESCRIPTOR& descriptor, const CHECK_OPTIONS& options) {
   std::vector<DEVICE_RESULT> devices;
   std::optional<ADVICE_FILTER> advice;
   if (options.has_advice) advice.emplace(descriptor.document, options, descriptor.findings);
-  const bool is_each = options.devices.empty();
-  for (const std::string& name : is_each ? list_devices(descriptor.document) : options.devices) {
-    devices.push_back(check_device(descriptor, name, options, advice ? &*advice : nullptr));
+  for (const std::string& name : choose_devices(descriptor, options)) {
+    DEVICE_CHECK device(descriptor, options, advice ? &*advice : nullptr);
+    devices.push_back(device.check(name));
   }
   if (advice) advice->add_waiver_faults();
   return devices;
+}
+
+std::vector<CHIP_MATRIX> make_matrices(DESCRIPTOR& descriptor, const CHECK_OPTIONS& options) {
+  std::vector<CHIP_MATRIX> matrices;
+  for (const std::string& name : choose_devices(descriptor, options)) {
+    const auto matrix = make_chip_matrix(descriptor, name, options.finding_limit);
+    if (matrix != nullptr) matrices.push_back(std::move(*matrix));
+  }
+  return matrices;
 }
 
 }  // namespace
@@ -95,7 +144,9 @@ CHECKED_FILE check_file(const std::string& path, const CHECK_OPTIONS& options) {
   const auto descriptor = read_descriptor(path, options.finding_limit);
   CHECKED_FILE file;
   file.has_good_format = descriptor->outcome == EXIT_FINE;
-  if (file.has_good_format && !options.is_format_only) {
+  if (file.has_good_format && options.is_for_all_chips) {
+    file.matrices = make_matrices(*descriptor, options);
+  } else if (file.has_good_format && !options.is_format_only) {
     file.devices = check_devices(*descriptor, options);
   }
   file.name = std::move(descriptor->name);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/chip_change.h"
 #include "tools/descriptor.h"
 #include "tools/exit_code.h"
 #include "tools/findings.h"
@@ -15,6 +16,8 @@ namespace sbd_tool {
 struct CHECK_OPTIONS {
   std::vector<std::string> devices;  // Only these; all that there are if it is empty.
   bool is_format_only = false;
+  std::string chip;               // The devices are checked as if they had it; empty: their own.
+  bool is_for_all_chips = false;  // Matrices in the place of findings about parameters.
   std::size_t finding_limit = k_default_finding_limit;  // As in FINDING_COLLECTOR.
   bool has_advice = true;
   bool has_infos = false;             // Otherwise they are only counted.
@@ -25,7 +28,8 @@ struct CHECK_OPTIONS {
 // A device that was checked.
 struct DEVICE_RESULT {
   std::string name;
-  std::string chip;
+  std::string chip;                 // That it was checked with.
+  std::string own_chip;             // Empty if that is the same.
   std::size_t parameter_count = 0;  // 0 when they could not be checked.
   std::size_t finding_count = 0;
 };
@@ -36,6 +40,7 @@ struct CHECKED_FILE {
   bool has_good_format = false;
   FINDINGS findings;
   std::vector<DEVICE_RESULT> devices;
+  std::vector<CHIP_MATRIX> matrices;
   EXIT_CODE outcome = EXIT_UNUSABLE;
 };
 

@@ -229,6 +229,13 @@ constexpr MESSAGE_HELP k_messages[] = {
      "parameters clocks\n{\n    input_clock_frequency = 25MHz;\n    pll_ahb_bypass = true;\n"
      "    pll_sdram_bypass = true;\n}\n",
      SEVERITY::INFO},
+    {0, k_value_changes_key, "a value changes with the chip",
+     "With --chip, the device is checked as if it had another chip. This parameter is not stated, "
+     "and the default of that chip is another one, so the device would be set up differently, "
+     "though nothing breaks.",
+     "State the parameter, if the value matters.", EXAMPLE::COMMAND,
+     "sbd check --chip qmxa1 board.sbd\n", "sbd set board.sbd board.stripe.trace.enabled false\n",
+     SEVERITY::WARNING},
     {0, k_idle_waiver_key, "a waiver matches nothing",
      "A comment waives advice that is not given in its scope: the statement or block that follows "
      "it, the block that it opens, or its line.",

@@ -19,6 +19,7 @@
 #include "tools/message_help.h"
 #include "tools/near_names.h"
 #include "tools/ordered_work.h"
+#include "tools/parameter_help.h"
 #include "tools/progress.h"
 #include "tools/visible_text.h"
 
@@ -37,6 +38,8 @@ constexpr char k_examples[] =
     "  sbd check board.sbd\n"
     "  sbd check boards/ --jobs 8\n"
     "  sbd check --device io_board rack.sbd\n"
+    "  sbd check --chip qmxa4 board.sbd\n"
+    "  sbd check --all-chips boards/\n"
     "  sbd check --format-only fragments/*.sbd\n"
     "  sbd check --format sarif boards/ > findings.sarif\n"
     "  sbd check --format github boards/\n"
@@ -71,16 +74,21 @@ using MAKE_PRINTER = std::unique_ptr<CHECK_PRINTER> (*)(OUTPUT& output, COLOR_CH
 struct FORM {
   const char* name;
   MAKE_PRINTER make_printer;
+  MAKE_PRINTER make_matrix_printer;  // Null: there is none.
 };
 
 constexpr FORM k_forms[] = {
     {"text",
      [](OUTPUT& output, COLOR_CHOICE colors) {
        return make_text_printer(output, make_painter(colors, output));
+     },
+     [](OUTPUT& output, COLOR_CHOICE colors) {
+       return make_matrix_text_printer(output, make_painter(colors, output));
      }},
-    {"json", [](OUTPUT& output, COLOR_CHOICE) { return make_json_printer(output); }},
-    {"sarif", [](OUTPUT& output, COLOR_CHOICE) { return make_sarif_printer(output); }},
-    {"github", [](OUTPUT& output, COLOR_CHOICE) { return make_github_printer(output); }},
+    {"json", [](OUTPUT& output, COLOR_CHOICE) { return make_json_printer(output); },
+     [](OUTPUT& output, COLOR_CHOICE) { return make_matrix_json_printer(output); }},
+    {"sarif", [](OUTPUT& output, COLOR_CHOICE) { return make_sarif_printer(output); }, nullptr},
+    {"github", [](OUTPUT& output, COLOR_CHOICE) { return make_github_printer(output); }, nullptr},
 };
 constexpr const FORM& k_text_form = k_forms[0];
 constexpr const FORM& k_json_form = k_forms[1];
@@ -125,6 +133,11 @@ class CHECK_COMMAND : public COMMAND {
     }
     if (!resolve_disabled(session)) return;
     if (m_is_json) m_form = &k_json_form;
+    if (m_options.is_for_all_chips && m_form->make_matrix_printer == nullptr) {
+      session.complain(fmt::format("--all-chips has no form {}", quote_name(m_form->name)),
+                       EXIT_UNUSABLE);
+      return;
+    }
     const std::vector<std::string> files = find_files(session);
     if (!files.empty()) check(session, files);
   }
@@ -138,6 +151,15 @@ class CHECK_COMMAND : public COMMAND {
         .add_option("--device", "NAME", m_options.devices,
                     "Check this device block only; may be repeated")
         .excludes(format_only);
+    const OPTION_SYNTAX chip = command.add_choice(
+        "--chip", "CHIP", list_chips(), [this](const std::string& name) { m_options.chip = name; },
+        "Check what would be wrong with this chip: qmxa1, qmxa4 or qmxa10");
+    command
+        .add_flag("--all-chips", m_options.is_for_all_chips,
+                  "Print which chips each device fits, and what it breaks on the others")
+        .excludes(chip)
+        .excludes(format_only);
+    chip.excludes(format_only);
     command.add_count("-j,--jobs", "N", "jobs", m_jobs,
                       "Check so many files at a time (default: one for each processor)");
   }
@@ -207,8 +229,10 @@ class CHECK_COMMAND : public COMMAND {
   }
 
   void check(SESSION& session, const std::vector<std::string>& files) const {
+    const MAKE_PRINTER make_printer =
+        m_options.is_for_all_chips ? m_form->make_matrix_printer : m_form->make_printer;
     const std::unique_ptr<CHECK_PRINTER> printer =
-        m_is_quiet ? nullptr : m_form->make_printer(session.out(), m_colors);
+        m_is_quiet ? nullptr : make_printer(session.out(), m_colors);
     PROGRESS progress(session.err(), files.size(), "files");
     CHECK_TOTALS totals;
     std::vector<CHECKED_FILE> results(files.size());
@@ -230,10 +254,11 @@ class CHECK_COMMAND : public COMMAND {
 
   void print(SESSION& session, CHECK_PRINTER& printer, PROGRESS& progress,
              const CHECKED_FILE& file) const {
-    const bool is_silent = m_form == &k_text_form && file.findings.empty() && !m_is_verbose;
+    const bool is_silent =
+        m_form == &k_text_form && file.findings.empty() && file.matrices.empty() && !m_is_verbose;
     if (!is_silent) progress.clear();
     printer.print(file);
-    if (file.has_good_format) tell_devices(session, file);
+    if (file.has_good_format && !m_options.is_for_all_chips) tell_devices(session, file);
   }
 
   // What was looked at; without it nobody could tell a fine device from one that was passed over.
@@ -256,7 +281,8 @@ class CHECK_COMMAND : public COMMAND {
   }
 
   static std::string describe(const DEVICE_RESULT& device) {
-    const std::string chip = device.chip.empty() ? "" : fmt::format(" ({})", device.chip);
+    const std::string own = device.own_chip.empty() ? "" : device.own_chip + " as ";
+    const std::string chip = device.chip.empty() ? "" : fmt::format(" ({}{})", own, device.chip);
     const std::string parameters = device.parameter_count == 0
                                        ? "no parameters"
                                        : count_of(device.parameter_count, "parameter");
