@@ -42,7 +42,7 @@ const std::vector<std::string_view>& descriptive_names() {
 bool is_descriptive(std::string_view name) {
   const auto& names = descriptive_names();
   return std::any_of(names.begin(), names.end(),
-                     [name](std::string_view one) { return edit_distance(one, name) == 0; });
+                     [name](std::string_view one) { return equal_ignoring_case(one, name); });
 }
 
 // "region" of "region[0]".
@@ -56,9 +56,9 @@ std::size_t distance_between(std::string_view written, std::string_view known) {
   constexpr std::size_t k_unlike = k_longest_name;
   const std::string_view base = without_index(known);
   const bool has_other_index = written.size() != without_index(written).size() &&
-                               edit_distance(without_index(written), base) == 0;
+                               equal_ignoring_case(without_index(written), base);
   if (has_other_index) return k_unlike;
-  if (edit_distance(written, base) == 0) return 0;
+  if (equal_ignoring_case(written, base)) return 0;
   return edit_distance(written, known);
 }
 
@@ -129,7 +129,7 @@ class UNREAD_ADVICE {
     if (last.size() > k_longest_name) return near;
     std::size_t nearest = (last.size() + 1) / 3;
     for (const std::string& one : known) {
-      const bool is_same_block = edit_distance(block_of(one), block_of(name)) == 0;
+      const bool is_same_block = equal_ignoring_case(block_of(one), block_of(name));
       if (!is_same_block) continue;
       const std::size_t distance = distance_between(last, last_of(one));
       if (distance > nearest) continue;
@@ -144,7 +144,7 @@ class UNREAD_ADVICE {
   void name_elsewhere(std::string_view last, FINDING& finding) const {
     std::vector<std::string> names;
     for (const std::string& one : m_names.parameters) {
-      if (edit_distance(last_of(one), last) == 0) names.push_back(one);
+      if (equal_ignoring_case(last_of(one), last)) names.push_back(one);
     }
     if (names.size() <= k_most_suggestions) finding.mend = ask_for(names);
   }

@@ -1,12 +1,12 @@
 #include "tools/message_help.h"
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <string>
 
 #include "tools/advice.h"
 #include "tools/device_view.h"
+#include "tools/near_names.h"
 
 namespace sbd_tool {
 
@@ -259,12 +259,6 @@ constexpr MESSAGE_HELP k_messages[] = {
      "    pll_ahb_m = 8;   # sbd: allow TOOL_NO_EFFECT - values of the bench\n    pll_sdram_bypass "
      "= true;\n}\n",
      SEVERITY::WARNING}};
-
-bool equal_ignoring_case(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-    return std::tolower(x) == std::tolower(y);
-  });
-}
 
 bool is_key(std::string_view key, std::string_view topic) {
   if (equal_ignoring_case(key, topic)) return true;

@@ -21,11 +21,6 @@ char to_lower(char c) {
   return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
-bool equal_ignoring_case(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return to_lower(x) == to_lower(y); });
-}
-
 // A name split where it stops making sense.
 struct BROKEN_NAME {
   const NODE* scope = nullptr;  // What the components in front name; null for none.
@@ -141,6 +136,11 @@ std::vector<std::string> find_similar(const std::vector<std::string>& names,
 }
 
 }  // namespace
+
+bool equal_ignoring_case(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return to_lower(x) == to_lower(y); });
+}
 
 std::size_t edit_distance(std::string_view a, std::string_view b) {
   // Rows of the table of distances between all beginnings of a and b.

@@ -11,6 +11,8 @@
 
 namespace sbd_tool {
 
+bool equal_ignoring_case(std::string_view a, std::string_view b);
+
 // How many characters must be changed, inserted, left out or swapped with their neighbour to get
 // from one to the other, letter case aside.
 std::size_t edit_distance(std::string_view a, std::string_view b);
