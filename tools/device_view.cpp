@@ -11,6 +11,7 @@
 #include "tools/names.h"
 #include "tools/notation.h"
 #include "tools/parameter_kind.h"
+#include "tools/visible_text.h"
 
 namespace sbd_tool {
 
@@ -154,6 +155,14 @@ bool open_device(DESCRIPTOR& descriptor, const std::string& name, std::size_t fi
     descriptor.outcome = worse_of(descriptor.outcome, EXIT_FAULTS);
   }
   return has_parameters;
+}
+
+std::string device_title(const DESCRIPTOR& descriptor) {
+  constexpr std::size_t k_widest_name = 40;
+  const std::string_view name = descriptor.document.get_device_name();
+  SBD_STRING chip;
+  descriptor.document.get_chip_type_name(chip);
+  return fmt::format("{} ({})", make_visible(name, k_widest_name), make_visible(chip));
 }
 
 std::vector<PARAMETER_VIEW> list_parameters(const SBD_VELDRAN& device) {

@@ -37,6 +37,9 @@ std::string join_device_names(const std::vector<std::string>& names);
 // FINDING_COLLECTOR. True when there are parameters, with or without faults.
 bool open_device(DESCRIPTOR& descriptor, const std::string& name, std::size_t finding_limit);
 
+// "board (qmxa10)": the device that is open, for headings.
+std::string device_title(const DESCRIPTOR& descriptor);
+
 // ---- Parameters --------------------------------------------------------------------------------
 
 // A parameter of the device that is open, as it counts.

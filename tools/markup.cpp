@@ -1,0 +1,33 @@
+#include "tools/markup.h"
+
+#include "tools/visible_text.h"
+
+namespace sbd_tool {
+
+std::string escape_markup(std::string_view text) {
+  std::string escaped;
+  for (const char c : make_visible(text)) {
+    switch (c) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      case '\'':
+        escaped += "&#39;";
+        break;
+      default:
+        escaped += c;
+    }
+  }
+  return escaped;
+}
+
+}  // namespace sbd_tool
