@@ -38,31 +38,13 @@ std::string find_missing_value(const std::vector<PARAMETER_VIEW>& settings) {
 
 // ---- Clocks ------------------------------------------------------------------------------------
 
-struct CLOCK {
-  const char* name;
-  const char* title;
-  int ahb_n;  // 0: the SDRAM.
-  const char* bypass;
-  const char* m;
-  const char* n;
-  const char* k;
-  const char* divider;  // Null: half.
-};
-
-const std::vector<CLOCK>& clocks() {
-  static const std::vector<CLOCK> k_clocks = {
-      {"ahb1", "AHB1", 1, SBD_VEL_PLL_AHB_BYPASS, SBD_VEL_PLL_AHB_M, SBD_VEL_PLL_AHB_N,
-       SBD_VEL_PLL_AHB_K, SBD_VEL_AHB1_DIVIDE},
-      {"ahb2", "AHB2", 2, SBD_VEL_PLL_AHB_BYPASS, SBD_VEL_PLL_AHB_M, SBD_VEL_PLL_AHB_N,
-       SBD_VEL_PLL_AHB_K, SBD_VEL_AHB2_DIVIDE},
-      {"sdram", "SDRAM", 0, SBD_VEL_PLL_SDRAM_BYPASS, SBD_VEL_PLL_SDRAM_M, SBD_VEL_PLL_SDRAM_N,
-       SBD_VEL_PLL_SDRAM_K, nullptr}};
-  return k_clocks;
+bool is_sdram_enabled(const SBD_VELDRAN& device) {
+  return is_true(view_parameter(device, in_block(SBD_VEL_SDRAM, SBD_VEL_ENABLED)));
 }
 
 class CLOCK_DERIVATION {
  public:
-  CLOCK_DERIVATION(const SBD_VELDRAN& device, const CLOCK& clock)
+  CLOCK_DERIVATION(const SBD_VELDRAN& device, const CLOCK_PATH& clock)
       : m_device(device), m_clock(clock) {}
 
   DERIVED_VIEW derive() {
@@ -132,8 +114,73 @@ class CLOCK_DERIVATION {
   }
 
   const SBD_VELDRAN& m_device;
-  const CLOCK& m_clock;
+  const CLOCK_PATH& m_clock;
   DERIVED_VIEW m_view;
+};
+
+// ---- The tree of clocks ------------------------------------------------------------------------
+
+class CLOCK_TREE {
+ public:
+  using TREE_NODE = CLOCK_TREE_NODE;
+  using KIND = CLOCK_TREE_NODE::KIND;
+
+  explicit CLOCK_TREE(const SBD_VELDRAN& device) : m_device(device) {}
+
+  std::vector<TREE_NODE> make() {
+    TREE_NODE input = {KIND::INPUT, SBD_VEL_INPUT_CLOCK_FREQUENCY, "", {}, false, {}};
+    const PARAMETER_VIEW& setting = use(input, SBD_VEL_INPUT_CLOCK_FREQUENCY);
+    if (!setting.text.empty()) input.frequency = setting.value.m_dword_value;
+    m_input = input.frequency;
+    m_nodes.push_back(std::move(input));
+    std::string pll;
+    for (const DERIVED_VIEW& clock : derive_clocks(m_device)) {
+      const CLOCK_PATH& path = clock_paths()[m_clock_count++];
+      if (pll != path.pll_title) add_pll(path);
+      pll = path.pll_title;
+      add_clock(path, clock);
+    }
+    return std::move(m_nodes);
+  }
+
+ private:
+  const PARAMETER_VIEW& use(TREE_NODE& node, const char* parameter) {
+    node.settings.push_back(view_parameter(m_device, in_block(SBD_VEL_CLOCKS, parameter)));
+    return node.settings.back();
+  }
+
+  void add_pll(const CLOCK_PATH& path) {
+    TREE_NODE pll = {KIND::PLL, path.pll_title, "bypassed", m_input, false, {}};
+    if (!is_true(use(pll, path.bypass))) {
+      const PARAMETER_VIEW m = use(pll, path.m);
+      const PARAMETER_VIEW n = use(pll, path.n);
+      const PARAMETER_VIEW k = use(pll, path.k);
+      pll.step = fmt::format("x {} / ({} x {})", value_of(m), value_of(n), value_of(k));
+      pll.frequency = find_output(m, n, k);
+    }
+    m_nodes.push_back(std::move(pll));
+  }
+
+  std::optional<double> find_output(const PARAMETER_VIEW& m, const PARAMETER_VIEW& n,
+                                    const PARAMETER_VIEW& k) const {
+    if (!m_input || m.text.empty() || n.text.empty() || k.text.empty()) return std::nullopt;
+    const double output =
+        pll_output(*m_input, m.value.m_dword_value, n.value.m_dword_value, k.value.m_dword_value);
+    if (!std::isfinite(output)) return std::nullopt;
+    return output;
+  }
+
+  void add_clock(const CLOCK_PATH& path, const DERIVED_VIEW& clock) {
+    TREE_NODE node = {KIND::CLOCK, path.title, "/ 2", clock.value, false, {}};
+    if (path.divider != nullptr) node.step = fmt::format("/ {}", value_of(use(node, path.divider)));
+    node.is_idle = path.ahb_n == 0 && !is_sdram_enabled(m_device);
+    m_nodes.push_back(std::move(node));
+  }
+
+  const SBD_VELDRAN& m_device;
+  std::optional<double> m_input;
+  std::size_t m_clock_count = 0;
+  std::vector<TREE_NODE> m_nodes;
 };
 
 // ---- Widths ------------------------------------------------------------------------------------
@@ -212,10 +259,35 @@ void add_settings(std::vector<PARAMETER_VIEW>& settings, const std::vector<DERIV
 
 }  // namespace
 
+const std::vector<CLOCK_PATH>& clock_paths() {
+  static const std::vector<CLOCK_PATH> k_paths = {
+      {"ahb1", "AHB1", 1, "AHB PLL", SBD_VEL_PLL_AHB_BYPASS, SBD_VEL_PLL_AHB_M, SBD_VEL_PLL_AHB_N,
+       SBD_VEL_PLL_AHB_K, SBD_VEL_AHB1_DIVIDE},
+      {"ahb2", "AHB2", 2, "AHB PLL", SBD_VEL_PLL_AHB_BYPASS, SBD_VEL_PLL_AHB_M, SBD_VEL_PLL_AHB_N,
+       SBD_VEL_PLL_AHB_K, SBD_VEL_AHB2_DIVIDE},
+      {"sdram", "SDRAM", 0, "SDRAM PLL", SBD_VEL_PLL_SDRAM_BYPASS, SBD_VEL_PLL_SDRAM_M,
+       SBD_VEL_PLL_SDRAM_N, SBD_VEL_PLL_SDRAM_K, nullptr}};
+  return k_paths;
+}
+
+std::string in_clocks(const std::string& name) {
+  return in_block(SBD_VEL_CLOCKS, name);
+}
+
+double pll_output(double input, unsigned long m, unsigned long n, unsigned long k) {
+  const auto divisor = static_cast<std::uint32_t>(std::uint64_t{n} * k);
+  return input * static_cast<double>(m) / divisor;
+}
+
 std::vector<DERIVED_VIEW> derive_clocks(const SBD_VELDRAN& device) {
   std::vector<DERIVED_VIEW> views;
-  for (const CLOCK& clock : clocks()) views.push_back(CLOCK_DERIVATION(device, clock).derive());
+  for (const CLOCK_PATH& clock : clock_paths())
+    views.push_back(CLOCK_DERIVATION(device, clock).derive());
   return views;
+}
+
+std::vector<CLOCK_TREE_NODE> make_clock_tree(const SBD_VELDRAN& device) {
+  return CLOCK_TREE(device).make();
 }
 
 std::vector<DERIVED_VIEW> derive_widths(const SBD_VELDRAN& device) {
