@@ -35,6 +35,7 @@ constexpr char k_footer[] =
     "  sbd list --type module board.sbd\n"
     "  sbd params board.sbd sdram\n"
     "  sbd map board.sbd\n"
+    "  sbd diff old.sbd new.sbd\n"
     "  sbd explain sdram.data_width\n"
     "  sbd set board.sbd stripe.pll1.clock 50MHz\n"
     "  sbd fmt --check boards/*.sbd\n"
@@ -56,6 +57,7 @@ class TOOL {
     declare(make_params_command());
     declare(make_clocks_command());
     declare(make_map_command());
+    declare(make_diff_command());
     declare(make_explain_command());
     declare(make_set_command());
     declare(make_unset_command());

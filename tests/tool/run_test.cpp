@@ -44,6 +44,28 @@ class TOOL : public testing::Test {
   TEMPORARY_DIRECTORY m_folder;
 };
 
+// ---- Git ---------------------------------------------------------------------------------------
+
+// As docs/tool.md tells to set it up.
+TEST_F(TOOL, IsADiffDriverOfGit) {
+  if (run("git --version").exit_code != 0) GTEST_SKIP() << "git is not installed";
+  write("a.sbd", k_small);
+  const TOOL_RUN result = run(R"(
+    export HOME=$PWD GIT_CONFIG_NOSYSTEM=1 GIT_CEILING_DIRECTORIES=$PWD/..
+    git init -q . || exit 9
+    echo '*.sbd diff=sbd' >> .gitattributes
+    git config diff.sbd.command 'f() { echo "sbd diff $1"; sbd diff "$2" "$5"; test $? -lt 2; }; f'
+    git add . && git -c user.name=me -c user.email=me@example.org commit -qm first
+    sed -i 's/64K/0x10000/' a.sbd
+    git diff > same.txt || exit 8
+    sed -i 's/0x10000/0x20000/' a.sbd
+    git diff > other.txt || exit 7
+    cat same.txt other.txt)");
+  EXPECT_EQ(result.exit_code, 0) << result.err;
+  EXPECT_EQ(result.out.find("sbd diff a.sbd\nsbd diff a.sbd\n"), 0U) << result.out;
+  EXPECT_NE(result.out.find("64K -> 0x20000"), std::string::npos) << result.out;
+}
+
 // ---- Colours -----------------------------------------------------------------------------------
 
 class TOOL_COLORS : public TOOL {
