@@ -13,7 +13,8 @@ namespace {
 std::string get_scalar_meaning(const VALUE& value) {
   if (is_number(value)) return get_scaled_number(value);
   if (value.type == VALUE::VT_BOOL) return value.flag != 0 ? "true" : "false";
-  return '"' + std::string(get_unquoted(value)) + '"';
+  // A device does not take a text in quotes for the same text without.
+  return value.text != nullptr ? value.text : "";
 }
 
 }  // namespace

@@ -10,8 +10,7 @@
 
 namespace sbd_tool {
 
-// Equal for values that mean the same: numbers of one amount in any base and unit, texts with and
-// without quotes. Fit to be shown.
+// Equal for values that mean the same: numbers of one amount in any base and unit.
 std::string get_meaning(const VALUE& value);
 
 // The attributes of an assignment in an order that does not depend on theirs; empty for none.

@@ -60,7 +60,7 @@ TEST_F(DESCRIPTOR_DIFF_TEST, OtherNotationsMeanTheSame) {
                                  {"0b11", "3"},
                                  {"017", "15"},
                                  {"50MHz", "50000000Hz"},
-                                 {"word", "\"word\""},
+
                                  {"{1, {2, 3K}}", "{0x1,{2.0, 3072}}"},
                                  {"TRUE", "true"},
                                  {"1.5K", "1536"}};
@@ -68,7 +68,8 @@ TEST_F(DESCRIPTOR_DIFF_TEST, OtherNotationsMeanTheSame) {
     EXPECT_TRUE(lines(with_x(a), with_x(b)).empty()) << a << " and " << b;
   }
   const char* const different[][2] = {{"64K", "64000"},     {"1", "\"1\""},   {"{1, 2}", "{2, 1}"},
-                                      {"true", "\"true\""}, {"word", "WORD"}, {"{1, 2}", "1"}};
+                                      {"true", "\"true\""}, {"word", "WORD"}, {"word", "\"word\""},
+                                      {"{1, 2}", "1"}};
   for (const auto& [a, b] : different) {
     EXPECT_EQ(lines(with_x(a), with_x(b)).size(), 1U) << a << " and " << b;
   }
