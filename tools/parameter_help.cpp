@@ -77,6 +77,13 @@ std::vector<std::string> list_chips() {
   return names;
 }
 
+SBD_VELDRAN::CHIP_TYPE find_chip_type(std::string_view name) {
+  for (const CHIP& chip : chips()) {
+    if (name == chip.name) return chip.type;
+  }
+  return SBD_VELDRAN::CT_UNKNOWN;
+}
+
 std::vector<CHIP_HELP> find_parameter_help(std::string_view name, std::string_view chip) {
   for (std::string_view rest = name; !rest.empty();) {
     std::vector<CHIP_HELP> found = find_exact(std::string(rest), chip);

@@ -13,6 +13,9 @@ namespace sbd_tool {
 // The names of the chips that there are rules for, from the smallest to the largest.
 std::vector<std::string> list_chips();
 
+// The chip of that name; CT_UNKNOWN for one that there are no rules for.
+SBD_VELDRAN::CHIP_TYPE find_chip_type(std::string_view name);
+
 // What one chip has to say about a parameter, in words.
 struct CHIP_HELP {
   std::string chip;
