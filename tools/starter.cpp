@@ -136,7 +136,14 @@ bool applies(const STATEMENT_ROW& row, const FEATURES& features) {
 class STARTER_WRITER {
  public:
   STARTER_WRITER(std::string_view chip, const FEATURES& features)
-      : m_chip(find_chip_type(chip)), m_chip_name(chip), m_features(features) {}
+      : m_chip(find_chip_type(chip)), m_chip_name(chip), m_features(features) {
+    SBD_STRING_LIST names;
+    sbd_get_parameter_names(m_chip, names);
+    for (const SBD_STRING& name : names) {
+      SBD_PARAMETER_RULE rule;
+      if (sbd_get_parameter_rule(m_chip, name.c_str(), rule)) m_rules.push_back(rule);
+    }
+  }
 
   std::string write(std::string_view name) {
     add_line(
@@ -224,10 +231,6 @@ class STARTER_WRITER {
     add_optional(name);
   }
 
-  static std::string join(std::string_view block, std::string_view parameter) {
-    return block.empty() ? std::string(parameter) : fmt::format("{}.{}", block, parameter);
-  }
-
   // Where anything of the type goes, there is nothing to say.
   static std::string describe_values(const SBD_PARAMETER_RULE& rule) {
     if (rule.value_rule == nullptr) return {};
@@ -238,29 +241,25 @@ class STARTER_WRITER {
 
   void add_statement(const STATEMENT_ROW& row) {
     SBD_PARAMETER_RULE rule;
-    const std::string reference = join(row.block, row.parameter);
+    const std::string reference = fmt::format("{}.{}", row.block, row.parameter);
     if (!sbd_get_parameter_rule(m_chip, reference.c_str(), rule)) return;
     const std::string comment = row.comment != nullptr ? row.comment : describe_values(rule);
     add_with_comment(fmt::format("{} = {};", row.parameter, row.value), comment);
   }
 
-  bool is_stated(std::string_view reference) const {
+  bool is_stated(std::string_view block, std::string_view parameter) const {
     return std::any_of(std::begin(k_statements), std::end(k_statements),
-                       [this, reference](const STATEMENT_ROW& row) {
-                         return applies(row, m_features) &&
-                                join(row.block, row.parameter) == reference;
+                       [this, block, parameter](const STATEMENT_ROW& row) {
+                         return block == row.block && parameter == row.parameter &&
+                                applies(row, m_features);
                        });
   }
 
   // What the block may state besides and has a default for.
   void add_optional(std::string_view block) {
-    SBD_STRING_LIST names;
-    sbd_get_parameter_names(m_chip, names);
-    for (const SBD_STRING& name : names) {
-      SBD_PARAMETER_RULE rule;
-      if (!sbd_get_parameter_rule(m_chip, name.c_str(), rule)) continue;
+    for (const SBD_PARAMETER_RULE& rule : m_rules) {
       const std::string_view place = rule.block_name != nullptr ? rule.block_name : "";
-      if (place != block || is_stated(std::string(name))) continue;
+      if (place != block || is_stated(place, rule.parameter_name)) continue;
       SBD_STRING value;
       if (!rule.present_block_default.m_has_value ||
           !sbd_get_value_text(rule.present_block_default, value) || value.empty()) {
@@ -276,6 +275,7 @@ class STARTER_WRITER {
   SBD_VELDRAN::CHIP_TYPE m_chip;
   std::string_view m_chip_name;
   const FEATURES& m_features;
+  std::vector<SBD_PARAMETER_RULE> m_rules;
   std::vector<std::string> m_open;  // Names of the blocks around the next line.
   std::string m_text;
 };
