@@ -995,4 +995,76 @@ TEST_F(VALUE_QUERY, RandomNumbersAreScaledAndTruncated) {
   }
 }
 
+// ---- Scopes of every size ----------------------------------------------------------------------
+
+// Names of 1 to 60 characters, comments between them.
+std::string member_name(unsigned long index) {
+  return "Member_" + std::to_string(index) + std::string(index % 52, 'x');
+}
+
+std::string text_of_scope(unsigned long count) {
+  std::string text = "device d {\n# one\n# two\n# three\n  bus b {\n";
+  for (unsigned long i = 0; i < count; i++) {
+    text += "    " + member_name(i) + " = " + std::to_string(i) + ";\n";
+    if (i % 3 == 0) text += "    # comment\n";
+  }
+  return text + "    # last\n  }\n}\n";
+}
+
+std::string upper(std::string text) {
+  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  return text;
+}
+
+class SCOPE_SIZE : public testing::TestWithParam<unsigned long> {
+ protected:
+  SCOPE_SIZE() : m_document(document_of(text_of_scope(GetParam()).c_str())) {}
+
+  void expect_member(unsigned long index, bool is_there) const {
+    const std::string name = "d.b." + member_name(index);
+    for (const std::string& spelling : {name, upper(name)}) {
+      unsigned long value = GetParam();
+      EXPECT_EQ(m_document->get_value(spelling.c_str(), value), is_there) << spelling;
+      EXPECT_EQ(value, is_there ? index : GetParam()) << spelling;
+    }
+  }
+
+  std::unique_ptr<SBD_FILE_PARSER> m_document;
+};
+
+TEST_P(SCOPE_SIZE, FindsEveryMemberAndNoOther) {
+  for (unsigned long i = 0; i < GetParam(); i++) expect_member(i, true);
+  expect_member(GetParam(), false);
+  for (const char* const name : {"d.b.Member", "d.b.Member_0x", "d.b.Member_0.x", "d.b.b"}) {
+    EXPECT_EQ(m_document->get_ref_object(name, nullptr), nullptr) << name;
+  }
+}
+
+TEST_P(SCOPE_SIZE, FindsWhatIsLeftWhenMembersAreDeleted) {
+  SBD_NODE* const block = m_document->get_ref_object("d.b", nullptr);
+  for (unsigned long i = 0; i < GetParam(); i += 2) {
+    const std::string name = "d.b." + member_name(i);
+    m_document->delete_node(m_document->get_ref_object(name.c_str(), nullptr), block);
+  }
+  for (unsigned long i = 0; i < GetParam(); i++) expect_member(i, i % 2 != 0);
+}
+
+TEST_P(SCOPE_SIZE, RejectsTheLastNameAgain) {
+  std::string text = text_of_scope(GetParam());
+  text.insert(text.find("    # last"), upper(member_name(GetParam() - 1)) + " = 1;\n");
+  MESSAGE_RECORDER recorder;
+  SBD_FILE_PARSER document;
+  EXPECT_FALSE(document.read_text(text.data(), text.size(), "x.sbd"));
+  EXPECT_EQ(recorder.messages().size(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(ALL, SCOPE_SIZE,
+                         testing::Values(1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 64, 100, 1000));
+
+TEST(SCOPE, OfCommentsAloneHasNoMembers) {
+  const auto document = document_of("device d { # 1\n# 2\n# 3\n# 4\n}\n");
+  EXPECT_EQ(document->get_ref_object("d.x", nullptr), nullptr);
+  EXPECT_NE(document->get_ref_object("D", nullptr), nullptr);
+}
+
 }  // namespace
