@@ -21,11 +21,13 @@ DEVICE_SNAPSHOT take_snapshot(DESCRIPTOR& descriptor, const std::string& name) {
   const std::size_t error_count = descriptor.findings.error_count;
   snapshot.name = name;
   snapshot.has_parameters = open_device(descriptor, name, k_default_finding_limit);
+  snapshot.title = device_title(descriptor);
   snapshot.block = find_node(device, name, nullptr);
   snapshot.error_count = descriptor.findings.error_count - error_count;
   if (!snapshot.has_parameters) return snapshot;
   snapshot.parameters = list_parameters(device);
   snapshot.clocks = derive_clocks(device);
+  snapshot.tree = make_clock_tree(device);
   snapshot.widths = derive_widths(device);
   snapshot.map = make_memory_map(device);
   for (const PARAMETER_VIEW& parameter : snapshot.parameters) {
@@ -113,13 +115,14 @@ void compare_overlaps(std::vector<EFFECT>& effects, const MEMORY_MAP& old_map,
 }  // namespace
 
 std::vector<DEVICE_SNAPSHOT> take_snapshots(DESCRIPTOR& descriptor) {
-  const FINDINGS findings = descriptor.findings;
+  FINDINGS findings = std::move(descriptor.findings);
+  descriptor.findings = {};
   const EXIT_CODE outcome = descriptor.outcome;
   std::vector<DEVICE_SNAPSHOT> snapshots;
   for (const std::string& name : list_devices(descriptor.document)) {
     snapshots.push_back(take_snapshot(descriptor, name));
   }
-  descriptor.findings = findings;
+  descriptor.findings = std::move(findings);
   descriptor.outcome = outcome;
   return snapshots;
 }

@@ -16,11 +16,13 @@ namespace sbd_tool {
 
 struct DEVICE_SNAPSHOT {
   std::string name;
+  std::string title;  // See device_title.
   const NODE* block = nullptr;
   bool has_parameters = false;
   std::size_t error_count = 0;
   std::vector<PARAMETER_VIEW> parameters;
   std::vector<DERIVED_VIEW> clocks;
+  std::vector<CLOCK_TREE_NODE> tree;
   std::vector<DERIVED_VIEW> widths;
   MEMORY_MAP map;
   // Which parameter a statement states.

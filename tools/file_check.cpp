@@ -140,21 +140,26 @@ std::vector<CHIP_MATRIX> make_matrices(DESCRIPTOR& descriptor, const CHECK_OPTIO
 
 }  // namespace
 
-CHECKED_FILE check_file(const std::string& path, const CHECK_OPTIONS& options) {
-  const auto descriptor = read_descriptor(path, options.finding_limit);
+CHECKED_FILE check_descriptor(DESCRIPTOR& descriptor, const CHECK_OPTIONS& options) {
   CHECKED_FILE file;
-  file.has_good_format = descriptor->outcome == EXIT_FINE;
+  file.has_good_format = descriptor.outcome == EXIT_FINE;
   if (file.has_good_format && options.is_for_all_chips) {
-    file.matrices = make_matrices(*descriptor, options);
+    file.matrices = make_matrices(descriptor, options);
   } else if (file.has_good_format && !options.is_format_only) {
-    file.devices = check_devices(*descriptor, options);
+    file.devices = check_devices(descriptor, options);
   }
-  file.name = std::move(descriptor->name);
-  file.findings = std::move(descriptor->findings);
-  file.outcome = descriptor->outcome;
+  file.findings = std::move(descriptor.findings);
+  file.outcome = descriptor.outcome;
   if (options.do_warnings_count && file.findings.warning_count != 0) {
     file.outcome = worse_of(file.outcome, EXIT_FAULTS);
   }
+  return file;
+}
+
+CHECKED_FILE check_file(const std::string& path, const CHECK_OPTIONS& options) {
+  const auto descriptor = read_descriptor(path, options.finding_limit);
+  CHECKED_FILE file = check_descriptor(*descriptor, options);
+  file.name = std::move(descriptor->name);
   if (!file.findings.empty() || !file.findings.waived.empty()) {
     file.source = std::move(descriptor->source);
   }

@@ -44,7 +44,11 @@ struct CHECKED_FILE {
   EXIT_CODE outcome = EXIT_UNUSABLE;
 };
 
-// May be called from several threads at a time.
+// Checks a file that was read. Name and source stay with the descriptor, findings do not; what is
+// open of it then is no business of the caller's. May be called from several threads at a time.
+CHECKED_FILE check_descriptor(DESCRIPTOR& descriptor, const CHECK_OPTIONS& options);
+
+// Reads and checks a file, likewise.
 CHECKED_FILE check_file(const std::string& path, const CHECK_OPTIONS& options);
 
 }  // namespace sbd_tool

@@ -36,6 +36,7 @@ constexpr char k_footer[] =
     "  sbd params board.sbd sdram\n"
     "  sbd map board.sbd\n"
     "  sbd diff old.sbd new.sbd\n"
+    "  sbd report board.sbd -o report.html\n"
     "  sbd new --chip qmxa10 --with sdram,uart > board.sbd\n"
     "  sbd explain sdram.data_width\n"
     "  sbd set board.sbd stripe.pll1.clock 50MHz\n"
@@ -59,6 +60,7 @@ class TOOL {
     declare(make_clocks_command());
     declare(make_map_command());
     declare(make_diff_command());
+    declare(make_report_command());
     declare(make_new_command());
     declare(make_explain_command());
     declare(make_set_command());

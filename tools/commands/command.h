@@ -29,6 +29,7 @@ std::unique_ptr<COMMAND> make_params_command();
 std::unique_ptr<COMMAND> make_clocks_command();
 std::unique_ptr<COMMAND> make_map_command();
 std::unique_ptr<COMMAND> make_diff_command();
+std::unique_ptr<COMMAND> make_report_command();
 std::unique_ptr<COMMAND> make_new_command();
 std::unique_ptr<COMMAND> make_explain_command();
 std::unique_ptr<COMMAND> make_set_command();
