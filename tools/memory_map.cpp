@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "sbd/sbd_veldran_keywords.h"
+#include "tools/notation.h"
+#include "tools/parameter_kind.h"
 
 namespace sbd_tool {
 
@@ -48,6 +50,20 @@ PARAMETER_VIEW view_controller(const SBD_VELDRAN& device, const std::string& blo
   return view_parameter(device, in_block(block.substr(0, dot), SBD_VEL_ENABLED));
 }
 
+// A device takes 32 bits of a whole number, which may not be what the file seems to say.
+void note_cut_number(const SBD_VELDRAN& device, const PARAMETER_VIEW& parameter,
+                     std::vector<std::string>& remarks) {
+  SBD_PARAMETER_STATE state;
+  if (!has_value(parameter)) return;
+  if (!sbd_get_parameter_state(device, parameter.name.c_str(), state)) return;
+  if (state.statement == nullptr) return;
+  const STATEMENT& statement = *state.statement->statement;
+  if (statement.type != STATEMENT::ST_ASSIGNMENT || !is_number(*statement.value)) return;
+  const std::string stated = get_scaled_number(*statement.value);
+  if (stated == parameter.text) return;
+  remarks.push_back(fmt::format("{} counts as {}, not {}", parameter.name, parameter.text, stated));
+}
+
 MEMORY_WINDOW view_window(const SBD_VELDRAN& device, const std::string& block) {
   MEMORY_WINDOW window;
   window.name = block;
@@ -56,6 +72,8 @@ MEMORY_WINDOW view_window(const SBD_VELDRAN& device, const std::string& block) {
   window.enabled = view_parameter(device, in_block(block, SBD_VEL_ENABLED));
   window.prefetch = view_parameter(device, in_block(block, SBD_VEL_PREFETCH));
 
+  note_cut_number(device, window.base, window.remarks);
+  note_cut_number(device, window.size, window.remarks);
   const PARAMETER_VIEW controller = view_controller(device, block);
   const bool is_served = controller.name.empty() || is_true(controller);
   window.is_in_use = is_true(window.enabled) && is_served;

@@ -119,6 +119,17 @@ TEST_F(MEMORY_MAP_TEST, WhatHasNoValueIsTold) {
   EXPECT_EQ(map.others[0].remarks, (NAMES{"registers.address_size has no value"}));
 }
 
+TEST_F(MEMORY_MAP_TEST, NumbersThatADeviceCutsAreTold) {
+  const MEMORY_MAP map = map_of(region("pld[0]", "address_base = 5G; address_size = 64K;") +
+                                region("pld[1]", "address_base = 0; address_size = 4G;"));
+  ASSERT_EQ(map.placed.size(), 1U);
+  EXPECT_EQ(map.placed[0].first, 0x40000000U);
+  EXPECT_EQ(map.placed[0].remarks,
+            (NAMES{"pld[0].address_base counts as 1073741824, not 5368709120"}));
+  EXPECT_EQ(find(map.others, "pld[1]").remarks,
+            (NAMES{"pld[1].address_size counts as 0, not 4294967296", "size is 0"}));
+}
+
 TEST_F(MEMORY_MAP_TEST, PictureHasEveryWindowAndHole) {
   const MEMORY_MAP map = map_of(region("sram[0]", "address_base = 0; address_size = 8K;") +
                                 region("sram[1]", "address_base = 4K; address_size = 8K;"));
