@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <vector>
 
 #include "fuzz/fuzz_support.h"
@@ -92,7 +93,20 @@ constexpr const char* k_words[] = {"-",
                                    "explain",
                                    "--device",
                                    "clocks.ahb1_divide",
-                                   "--format-only"};
+                                   "--format-only",
+                                   "--format",
+                                   "json",
+                                   "sarif",
+                                   "github",
+                                   "--info",
+                                   "--no-advice",
+                                   "--disable",
+                                   "TOOL_NO_EFFECT",
+                                   "--werror",
+                                   "--chip",
+                                   "qmxa1",
+                                   "--all-chips",
+                                   "--jobs"};
 
 // The tool's standard streams while it runs: what it reads is memory, what it writes is dropped.
 class STREAMS {
@@ -121,9 +135,11 @@ class STREAMS {
   std::FILE* m_err;
 };
 
-// No argument may lead to a file that is written.
+// No argument may lead to a file that is written, or to a folder that is searched.
 bool is_harmless(const std::string& argument) {
   if (argument.find('/') != std::string::npos) return false;
+  std::error_code error;
+  if (std::filesystem::is_directory(argument, error)) return false;
   if (argument.size() > 1 && argument[0] == '-' && argument[1] != '-') {
     return argument.find('o') == std::string::npos;
   }

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "tools/findings.h"
@@ -21,8 +22,11 @@ class WAIVERS {
  public:
   // Those of a document without faults.
   explicit WAIVERS(const SBD_FILE_PARSER& document);
+  ~WAIVERS() = default;
+  WAIVERS(const WAIVERS&) = delete;
+  WAIVERS& operator=(const WAIVERS&) = delete;
 
-  // The reason why the file waives the finding; null if it does not.
+  // The reason why the file waives the finding, the nearest one; null if it does not.
   const std::string* find_reason(const FINDING& finding);
 
   // Waivers that are not well formed.
@@ -32,24 +36,50 @@ class WAIVERS {
   std::vector<FINDING> list_idle(const std::vector<std::string>& unknown) const;
 
  private:
-  // One key of a comment.
+  // A key of a comment.
   struct WAIVER {
     std::string_view key;
     std::string reason;
     SOURCE_RANGE place;     // Of the comment.
-    std::size_t begin = 0;  // What it is about.
-    std::size_t end = 0;
-    unsigned long line = 0;  // This line as well, unless it is 0.
+    std::size_t scope = 0;  // In m_scopes.
+  };
+  // Waivers of one key that are about the same text; they are used together.
+  struct GROUP {
+    std::string_view key;
+    const std::string* reason = nullptr;  // Of the first one.
     bool is_used = false;
   };
+  // What waivers are about. Scopes nest, so each but the outermost ones is inside another one.
+  struct SCOPE {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    std::size_t parent = 0;
+    std::vector<GROUP> groups;
+  };
+  struct COMMENT {
+    std::string_view text;
+    SOURCE_RANGE place;
+  };
 
+  void collect(const SBD_FILE_PARSER& document);
   void take_comment(const SBD_FILE_PARSER& document, const NODE& node, const NODE* block);
   void take_statement(const SBD_FILE_PARSER& document, const NODE& node);
-  void read(std::string_view comment, WAIVER waiver);
-  void add_keys(std::string_view keys, WAIVER waiver);
-  void refuse(const WAIVER& waiver, std::string reason);
+  void end_pending(const SBD_FILE_PARSER& document, const NODE* subject);
+  void read(const COMMENT& comment, const SOURCE_RANGE& scope, unsigned long line);
+  void add_keys(std::string_view keys, std::string_view reason, const COMMENT& comment,
+                const SOURCE_RANGE& scope, unsigned long line);
+  void refuse(const COMMENT& comment, std::string reason);
+  void build_scopes();
+  GROUP* find_group(std::size_t scope, std::string_view key);
 
+  static constexpr std::size_t k_no_scope = static_cast<std::size_t>(-1);
+
+  std::vector<COMMENT> m_pending;  // They are about what comes next.
   std::vector<WAIVER> m_waivers;
+  std::vector<SOURCE_RANGE> m_ranges;  // What each of them is about.
+  std::vector<SCOPE> m_scopes;         // Sorted by where they begin, the outer ones first.
+  // The waivers behind statements, by line.
+  std::unordered_map<unsigned long, std::vector<std::size_t>> m_lines;
   std::vector<FINDING> m_faults;
 };
 

@@ -60,6 +60,28 @@ TEST_F(WAIVER_TEST, IsAboutItsLine) {
             1U);
 }
 
+TEST_F(WAIVER_TEST, TheNearestReasonCountsAndAllOfThemAreUsed) {
+  EXPECT_THAT(find_reasons("# sbd: allow TOOL_UNKNOWN_PARAMETER - outer\n"
+                           "# sbd: allow TOOL_UNKNOWN_PARAMETER - outer again\n"
+                           "parameters uart { enabled = false;\nfirst = 1;\n"
+                           "# sbd: allow TOOL_UNKNOWN_PARAMETER - inner\n"
+                           "second = 2;\nthird = 3; }\n"),
+              ElementsAre("outer", "inner", "outer"));
+}
+
+TEST_F(WAIVER_TEST, ManyOfThemTakeNoLongerThanTheyShould) {
+  constexpr int k_count = 100000;
+  std::string text;
+  for (int i = 0; i != k_count; ++i) text += "# sbd: allow TOOL_UNKNOWN_PARAMETER - all\n";
+  text += "parameters uart { enabled = false;\n";
+  for (int i = 0; i != k_count; ++i) {
+    text += "u" + std::to_string(i) + " = 1; # sbd: allow TOOL_UNKNOWN_PARAMETER - one\n";
+  }
+  const auto file = check(text + "}\n");
+  EXPECT_TRUE(file.findings.empty());
+  EXPECT_EQ(file.findings.waived.size(), static_cast<std::size_t>(k_count));
+}
+
 TEST_F(WAIVER_TEST, MayHaveSeveralCodesInAnyCaseAndShort) {
   EXPECT_THAT(find_reasons("# sbd: allow unknown_parameter, Tool_Unknown_Block - loader\n"
                            "parameters uart { enabled = false; word = 1;\n"
