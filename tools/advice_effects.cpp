@@ -131,6 +131,7 @@ class EFFECT_ADVICE {
     finding.key = k_no_effect_key;
     const bool is_one = group.parameters.size() == 1;
     finding.text = fmt::format("{} {} no effect", name_parameters(group), is_one ? "has" : "have");
+    finding.parameter = group.parameters.front()->view.name;
     finding.place = group.parameters.front()->view.place;
     const bool is_default = group.setting.origin != PO_STATEMENT;
     finding.note = fmt::format("because {} is {}{}", group.setting.name, group.setting.text,
@@ -169,6 +170,7 @@ class EFFECT_ADVICE {
     finding.key = k_default_key;
     finding.text = fmt::format("Parameter \"{}\" states its default {}", parameter.view.name,
                                parameter.view.text);
+    finding.parameter = parameter.view.name;
     finding.place = parameter.view.place;
     return finding;
   }

@@ -76,6 +76,7 @@ class UNREAD_ADVICE {
     if (unread.node->type == NODE::NT_BLOCK) {
       describe_block(unread, finding);
     } else {
+      finding.parameter = unread.name;
       describe_parameter(unread, finding);
     }
     return finding;

@@ -96,6 +96,7 @@ std::vector<FINDING> list_changes(const SBD_VELDRAN& device,
     finding.note = "it is not stated, and the chips have different defaults";
     finding.place = find_place(device, view.name);
     finding.device = device.get_device_name();
+    finding.parameter = view.name;
     changes.push_back(std::move(finding));
   }
   return changes;

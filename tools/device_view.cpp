@@ -93,6 +93,7 @@ std::string_view find_device_note(std::string_view key) {
 void explain(const SBD_VELDRAN& device, FINDING& finding) {
   finding.device = device.get_device_name();
   if (!device.get_parameter_faults().empty()) {
+    finding.parameter = device.get_parameter_faults().back().reference;
     explain_fault(device, finding);
   } else {
     const bool has_device = find_device(device) != nullptr;

@@ -1,11 +1,16 @@
 #include "tools/file_check.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "tools/advice.h"
 #include "tools/device_view.h"
+#include "tools/lookup.h"
+#include "tools/near_names.h"
+#include "tools/stripe_contents.h"
 #include "tools/waivers.h"
 
 namespace sbd_tool {
@@ -75,12 +80,10 @@ class DEVICE_CHECK {
     device.name = name;
     if (!m_options.chip.empty()) change_chip(device);
     const std::size_t findings_before = m_descriptor.findings.count();
+    const std::size_t kept_before = m_descriptor.findings.list.size();
     if (open_device(m_descriptor, name, m_options.finding_limit)) {
       device.parameter_count = count_parameters(m_document);
-      if (m_advice != nullptr) m_advice->add_all(give_advice(m_document));
-      if (m_advice != nullptr && !device.own_chip.empty()) {
-        m_advice->add_all(list_changes(m_document, m_parameters_before, device.own_chip));
-      }
+      if (m_advice != nullptr) advise(device, kept_before);
     }
     device.chip = get_chip();
     device.finding_count = m_descriptor.findings.count() - findings_before;
@@ -91,6 +94,29 @@ class DEVICE_CHECK {
   std::string get_chip() const {
     SBD_STRING chip;
     return m_document.get_chip_type_name(chip) ? std::string(chip) : std::string();
+  }
+
+  void advise(const DEVICE_RESULT& device, std::size_t kept_before) {
+    std::vector<FINDING> advice = give_advice(m_document);
+    for (const FINDING& finding : advice) propose_for_missing(finding, kept_before);
+    m_advice->add_all(std::move(advice));
+    if (device.own_chip.empty()) return;
+    m_advice->add_all(list_changes(m_document, m_parameters_before, device.own_chip));
+  }
+
+  // A parameter that is missing may be there under a misspelled name.
+  void propose_for_missing(const FINDING& misspelled, std::size_t kept_before) {
+    if (misspelled.parameter.empty() || misspelled.replacement.empty()) return;
+    const std::string_view block = block_of(misspelled.parameter);
+    std::string meant(block);
+    meant.append(block.empty() ? "" : ".").append(misspelled.replacement);
+    std::vector<FINDING>& kept = m_descriptor.findings.list;
+    for (std::size_t i = kept_before; i != kept.size(); ++i) {
+      FINDING& finding = kept[i];
+      if (!equal_ignoring_case(finding.parameter, meant)) continue;
+      finding.mend = fmt::format("is it {} in line {}?", quote_name(last_of(misspelled.parameter)),
+                                 misspelled.place ? misspelled.place->line : 0);
+    }
   }
 
   // What is wrong with its own chip is not what was asked for.

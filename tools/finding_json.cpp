@@ -30,6 +30,7 @@ void write_finding(JSON_WRITER& json, const FINDING& finding) {
   json.text(finding.text);
   write_optional(json, "position", finding.place);
   write_optional(json, "device", finding.device);
+  write_optional(json, "parameter", finding.parameter);
   write_optional(json, "note", finding.note);
   write_optional(json, "note_position", finding.note_place);
   write_optional(json, "mend", finding.mend);

@@ -28,7 +28,9 @@ struct FINDING {
   std::string note;  // What the tool knows besides, such as the cause; may be empty.
   std::optional<SOURCE_RANGE> note_place;  // What the note is about, if that is elsewhere.
   std::string device;  // The device block whose rules were not kept; empty for the format's.
-  std::string mend;    // What may help, such as "did you mean 'enabled'?"; may be empty.
+  std::string
+      parameter;     // Of that device, relative to its stripe's module; empty for other things.
+  std::string mend;  // What may help, such as "did you mean 'enabled'?"; may be empty.
   // What to write at the place to mend it, where that is certain enough for a proposal.
   std::string replacement;
   std::string waiver;  // The reason that the file gives for it being so; see FINDINGS::waived.

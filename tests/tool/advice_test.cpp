@@ -61,6 +61,17 @@ TEST_F(ADVICE_TEST, MisspelledParametersAreProposedRight) {
   EXPECT_EQ(finding.place->length, std::string("pll_abh_bypass").size());
 }
 
+TEST_F(ADVICE_TEST, MissingParametersAreFoundUnderMisspelledNames) {
+  const auto file = check(
+      "parameters clocks { input_clock_frequency = 20MHz; pll_abh_m = 2;"
+      " pll_ahb_n = 1; pll_ahb_k = 1; pll_sdram_bypass = true; }");
+  ASSERT_EQ(file.findings.list.size(), 2U);
+  EXPECT_EQ(file.findings.list[0].key, "ESBD_SBD_PARAMETER_MISSING_ERROR");
+  EXPECT_EQ(file.findings.list[0].parameter, "clocks.pll_ahb_m");
+  EXPECT_EQ(file.findings.list[0].mend, "is it 'pll_abh_m' in line 8?");
+  EXPECT_EQ(file.findings.list[1].mend, "did you mean 'pll_ahb_m'?");
+}
+
 TEST_F(ADVICE_TEST, WhatIsThereAlreadyIsNotProposed) {
   EXPECT_THAT(find(k_unknown_parameter, "parameters uart { enabled = false; enabeld = true; }"),
               ElementsAre("Nothing looks at parameter \"uart.enabeld\": qmxa10 has none of that "
