@@ -30,7 +30,15 @@ class ADVICE_FILTER {
       : m_waivers(document), m_options(options), m_findings(findings) {}
 
   void add_all(std::vector<FINDING> advice) {
-    for (FINDING& finding : advice) add(std::move(finding));
+    for (FINDING& finding : advice) {
+      if (is_disabled(finding)) continue;
+      if (const std::string* const reason = m_waivers.find_reason(finding)) {
+        finding.waiver = *reason;
+        m_findings.waived.push_back(std::move(finding));
+      } else {
+        add(std::move(finding));
+      }
+    }
   }
 
   // To be called when all advice has been added.
@@ -44,17 +52,19 @@ class ADVICE_FILTER {
     std::stable_sort(faults.begin(), faults.end(), [](const FINDING& a, const FINDING& b) {
       return a.place->offset < b.place->offset;
     });
-    add_all(std::move(faults));
+    for (FINDING& finding : faults) {
+      if (!is_disabled(finding)) add(std::move(finding));
+    }
   }
 
  private:
-  void add(FINDING finding) {
+  bool is_disabled(const FINDING& finding) const {
     const auto& disabled = m_options.disabled;
-    if (std::find(disabled.begin(), disabled.end(), finding.key) != disabled.end()) return;
-    if (const std::string* const reason = m_waivers.find_reason(finding)) {
-      finding.waiver = *reason;
-      m_findings.waived.push_back(std::move(finding));
-    } else if (finding.severity == SEVERITY::INFO && !m_options.has_infos) {
+    return std::find(disabled.begin(), disabled.end(), finding.key) != disabled.end();
+  }
+
+  void add(FINDING finding) {
+    if (finding.severity == SEVERITY::INFO && !m_options.has_infos) {
       ++m_findings.hidden_count;
     } else {
       m_findings.add(std::move(finding), m_options.finding_limit);

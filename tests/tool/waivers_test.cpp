@@ -82,6 +82,17 @@ TEST_F(WAIVER_TEST, ManyOfThemTakeNoLongerThanTheyShould) {
   EXPECT_EQ(file.findings.waived.size(), static_cast<std::size_t>(k_count));
 }
 
+TEST_F(WAIVER_TEST, NestedOnesTakeNoLongerThanTheyShould) {
+  constexpr std::size_t k_depth = 50000;
+  std::string text;
+  for (std::size_t i = 0; i != k_depth; ++i) {
+    text += "# sbd: allow TOOL_NOT_READ - all\nmodule extra {\n";
+  }
+  text += "a = 1;\n" + std::string(k_depth, '}') + "\n";
+  m_options.finding_limit = 0;
+  EXPECT_EQ(find(k_idle, text).size(), k_depth - 1);
+}
+
 TEST_F(WAIVER_TEST, MayHaveSeveralCodesInAnyCaseAndShort) {
   EXPECT_THAT(find_reasons("# sbd: allow unknown_parameter, Tool_Unknown_Block - loader\n"
                            "parameters uart { enabled = false; word = 1;\n"
