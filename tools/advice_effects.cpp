@@ -110,7 +110,7 @@ class EFFECT_ADVICE {
   PARAMETER_VIEW find_by_effect(const std::string& name) const {
     for (const EFFECT& effect : effects()) {
       if (effect.parameter != name) continue;
-      const PARAMETER_VIEW setting = view_parameter(m_device, effect.setting);
+      PARAMETER_VIEW setting = view_parameter(m_device, effect.setting);
       const bool is_good = setting.fault == PARAMETER_VIEW::FAULT::NONE;
       if (is_good && setting.text == effect.void_when) return setting;
     }
@@ -157,11 +157,11 @@ class EFFECT_ADVICE {
   static bool is_default(const STATED_PARAMETER& parameter) {
     const auto requirement = parameter.rule.requirement;
     const PARAMETER_VALUE& value = parameter.rule.present_block_default;
-    if (requirement != SBD_VELDRAN_PARAMETER_READER::RQ_OPTIONAL || !value.m_has_value)
-      return false;
+    const bool is_optional = requirement == SBD_VELDRAN_PARAMETER_READER::RQ_OPTIONAL;
+    if (!is_optional || !value.m_has_value) return false;
     SBD_STRING text;
     sbd_get_value_text(value, text);
-    return !text.empty() && parameter.view.text == text.c_str();
+    return !text.empty() && std::string_view(parameter.view.text) == std::string_view(text);
   }
 
   static FINDING make_default_finding(const STATED_PARAMETER& parameter) {

@@ -72,7 +72,7 @@ void assume_chip(SBD_VELDRAN& document, const std::string& device, const std::st
     document.set_value(device.c_str(), SBD_VEL_FAMILY, SBD_STRING(SBD_VEL_VELDRAN_ARM));
   }
   if (find_text(document, device, SBD_VEL_TYPE) != nullptr) {
-    document.set_value(device.c_str(), SBD_VEL_TYPE, SBD_STRING(chip.c_str()));
+    document.set_value(device.c_str(), SBD_VEL_TYPE, SBD_STRING(chip));
   }
 }
 
@@ -116,8 +116,9 @@ std::unique_ptr<CHIP_MATRIX> make_chip_matrix(DESCRIPTOR& descriptor, const std:
     const bool has_parameters = open_device(descriptor, device, finding_limit);
     std::swap(findings, descriptor.findings);
     if (!has_parameters) {
-      for (FINDING& finding : findings.list)
+      for (FINDING& finding : findings.list) {
         descriptor.findings.add(std::move(finding), finding_limit);
+      }
       return nullptr;
     }
     take_faults(descriptor.document, chip, *matrix);

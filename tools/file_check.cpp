@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -46,8 +47,8 @@ class ADVICE_FILTER {
     std::vector<FINDING> faults = m_waivers.list_faults();
     // Of a device that was left out, or is another one now, nobody knows what there is to waive.
     if (m_options.devices.empty() && m_options.chip.empty()) {
-      for (FINDING& idle : m_waivers.list_idle(m_options.disabled))
-        faults.push_back(std::move(idle));
+      std::vector<FINDING> idle = m_waivers.list_idle(m_options.disabled);
+      std::move(idle.begin(), idle.end(), std::back_inserter(faults));
     }
     std::stable_sort(faults.begin(), faults.end(), [](const FINDING& a, const FINDING& b) {
       return a.place->offset < b.place->offset;

@@ -190,8 +190,9 @@ void WAIVERS::build_scopes() {
         !m_scopes.empty() && m_scopes.back().begin == begin && m_scopes.back().end == end;
     if (!is_same) {
       std::size_t parent = m_scopes.empty() ? k_no_scope : m_scopes.size() - 1;
-      while (parent != k_no_scope && m_scopes[parent].end <= begin)
+      while (parent != k_no_scope && m_scopes[parent].end <= begin) {
         parent = m_scopes[parent].parent;
+      }
       m_scopes.push_back({begin, end, parent, {}});
     }
     WAIVER& waiver = m_waivers[i];
