@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/parameter/sbd_parameter_source.h"
 #include "sbd/parameter/sbd_parameter_store.h"
+#include "sbd/reading/sbd_joined_name.h"
 
 namespace {
 

@@ -52,7 +52,6 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
     for (std::size_t begin = 0; begin < listed; begin += k_tags_per_step) {
       for (unsigned same = find_tag(begin, tag); same != 0; same &= same - 1) {
         const std::size_t index = begin + sbd_first_clear_bit(~same) / k_bits_per_tag;
-        if (index >= listed) return nullptr;  // What looks like a tag is a place.
         SBD_SYMBOL* const symbol = symbol_of(index);
         prefetch_around(symbol);
         if (sbd_has_name(*symbol, name)) return symbol;
@@ -102,7 +101,10 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
     constexpr unsigned k_lowest_bits = 0x5555;
     const __m128i step = sbd_load_step(reinterpret_cast<const char*>(tags() + begin));
     const __m128i same = _mm_cmpeq_epi16(step, _mm_set1_epi16(static_cast<short>(tag)));
-    return sbd_mask_of(same) & k_lowest_bits;
+    // What stands behind the tags may look like one.
+    const std::size_t tags_left = std::min(listed - begin, k_tags_per_step);
+    const unsigned of_tags = (1U << (tags_left * k_bits_per_tag)) - 1;
+    return sbd_mask_of(same) & k_lowest_bits & of_tags;
 #else
     unsigned same = 0;
     for (std::size_t i = 0; i != std::min(listed - begin, k_tags_per_step); ++i) {
