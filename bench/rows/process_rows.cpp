@@ -16,6 +16,7 @@
 namespace {
 
 constexpr double MILLISECONDS_LIMIT = 2.0;
+constexpr double LEAST_GAIN_OF_TWO_JOBS = 1.7;
 
 // Runs the program with its output thrown away; it has to succeed.
 void run_program(const std::vector<std::string>& words) {
@@ -47,6 +48,18 @@ MEASUREMENT measure_check() {
           MEASUREMENT::WALL_TIME};
 }
 
+// A call that checks as many descriptors of a whole device, with so many jobs.
+MEASUREMENT measure_jobs(const std::string& jobs) {
+  constexpr std::size_t FILES = 1000;
+  return {"process/sbd check of 1000 files, jobs " + jobs,
+          [=] {
+            std::vector<std::string> words = {SBD_BENCH_TOOL, "check", "--quiet", "--jobs", jobs};
+            words.insert(words.end(), FILES, SBD_BENCH_EXAMPLES "/qmxa10_full.sbd");
+            return STAGE{[=] { run_program(words); }};
+          },
+          MEASUREMENT::WALL_TIME};
+}
+
 MEASUREMENT measure_true() {
   return {"process/true", [] { return STAGE{[] { run_program({"/bin/true"}); }}; },
           MEASUREMENT::WALL_TIME};
@@ -63,4 +76,8 @@ void add_process_rows(std::vector<COMPARISON>& comparisons) {
                          {measure_check(), measure_true()},
                          {{"sbd check of a typical file beyond 2 x /bin/true, in ms", "", 0, 1,
                            MILLISECONDS_LIMIT, beyond_twice}}});
+  comparisons.push_back(
+      {"process/jobs",
+       {measure_jobs("2"), measure_jobs("1")},
+       {{"sbd check of 1,000 files, 2 jobs / 1 job", "", 0, 1, 1 / LEAST_GAIN_OF_TWO_JOBS}}});
 }
