@@ -19,7 +19,8 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 // The C library does not give back the search path that it makes of LOCPATH for a std::locale.
-extern "C" const char* __lsan_default_suppressions() {  // NOLINT: the sanitizer's name for it
+extern "C" __attribute__((visibility("default"))) const char*
+__lsan_default_suppressions() {  // NOLINT: the sanitizer's name for it
   return "leak:__argz_add_sep";
 }
 #endif
