@@ -507,7 +507,7 @@ class READING {
 // How much memory the records of a text are going to take, as its beginning has it.
 std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_longest_sample = 255 * k_run_step;
-  constexpr std::size_t k_bytes_per_statement = 136;
+  constexpr std::size_t k_bytes_per_statement = 137;
   const std::size_t sample =
       std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
   if (sample == 0) return 0;
