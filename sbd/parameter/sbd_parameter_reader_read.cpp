@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/parameter/sbd_parameter_source.h"
 #include "sbd/parameter/sbd_parameter_store.h"
+#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/sbd_parameter_reader.h"
 

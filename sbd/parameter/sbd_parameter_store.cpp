@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_hash.h"
+#include "sbd/reading/sbd_joined_name.h"
 
 namespace {
 

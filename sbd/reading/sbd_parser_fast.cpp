@@ -150,7 +150,7 @@ class FAULTLESS_PARSER {
     if (m_members.last == nullptr) {
       m_members.first = node;
     } else {
-      m_members.last->next = node;
+      sbd_join_node(m_members.last, node);
     }
     m_members.last = node;
   }
