@@ -39,10 +39,11 @@ class ORDERED_WORK {
   // Returns when the work for `item` was done; throws what any work threw.
   void wait_for(std::size_t item) {
     std::unique_lock<std::mutex> lock(m_mutex);
+    m_wanted = item;
     m_was_done.wait(lock, [&] { return m_is_done[item] || m_failure; });
     if (m_failure) std::rethrow_exception(m_failure);
     m_taken = item;
-    m_was_taken.notify_all();
+    if (m_idle_threads != 0) m_was_taken.notify_all();
   }
 
  private:
@@ -61,7 +62,9 @@ class ORDERED_WORK {
 
   bool next(std::size_t& item) {
     std::unique_lock<std::mutex> lock(m_mutex);
+    ++m_idle_threads;
     m_was_taken.wait(lock, [&] { return m_is_stopped || m_next < m_taken + m_window; });
+    --m_idle_threads;
     if (m_is_stopped || m_next == m_is_done.size()) return false;
     item = m_next++;
     return true;
@@ -72,7 +75,8 @@ class ORDERED_WORK {
     m_is_done[item] = true;
     if (failure && !m_failure) m_failure = failure;
     if (m_failure) m_is_stopped = true;
-    m_was_done.notify_all();
+    // Nobody is woken for an item that is not waited for.
+    if (item == m_wanted || m_failure) m_was_done.notify_all();
     if (m_is_stopped) m_was_taken.notify_all();
   }
 
@@ -87,6 +91,8 @@ class ORDERED_WORK {
   std::size_t m_window;
   std::size_t m_next = 0;
   std::size_t m_taken = 0;
+  std::size_t m_wanted = 0;        // What is waited for, or was taken last.
+  std::size_t m_idle_threads = 0;  // That wait until more was taken.
   bool m_is_stopped = false;
   std::exception_ptr m_failure;
   std::mutex m_mutex;

@@ -1,12 +1,13 @@
 // Answers what the rules of a parameter are and how they stand.
 #include "sbd/sbd_parameter_rules.h"
 
-#include <cstring>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
 #include "sbd/device/sbd_device_sources.h"
 #include "sbd/device/sbd_parameter_place.h"
+#include "sbd/device/sbd_row_names.h"
 #include "sbd/device/sbd_rules.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_joined_name.h"
@@ -17,16 +18,6 @@ using READER = SBD_VELDRAN_PARAMETER_READER;
 using VALUE = SBD_PARAMETER_RULE::VALUE;
 
 // ---- Table rows ----------------------------------------------------------------------------
-
-bool is_reference_to(std::string_view reference, const char* block, const char* parameter) {
-  if (block != nullptr) {
-    const std::size_t size = std::strlen(block);
-    if (reference.size() <= size || reference[size] != '.') return false;
-    if (reference.substr(0, size) != block) return false;
-    reference.remove_prefix(size + 1);
-  }
-  return reference == parameter;
-}
 
 // Calls `visit` with each row of all tables that is for the chip, until it returns true.
 template <class VISIT>
@@ -41,6 +32,22 @@ bool visit_table(const SBD_CHIP& chip, const VISIT& visit) {
          visit_rows(READER::sbd_veldran_dword_parameters) ||
          visit_rows(READER::sbd_veldran_double_parameters) ||
          visit_rows(READER::sbd_veldran_string_parameters);
+}
+
+// Calls `visit` with a row by its number through all tables, if it is for the chip.
+template <class VISIT>
+bool visit_row(const SBD_CHIP& chip, std::size_t number, const VISIT& visit) {
+  const auto visit_one = [&chip, &visit](const auto& row) {
+    return (row.device_mask & chip.device_mask) != 0 && visit(row);
+  };
+  if (number < READER::k_bool_rows) return visit_one(READER::sbd_veldran_bool_parameters[number]);
+  number -= READER::k_bool_rows;
+  if (number < READER::k_dword_rows) return visit_one(READER::sbd_veldran_dword_parameters[number]);
+  number -= READER::k_dword_rows;
+  if (number < READER::k_double_rows) {
+    return visit_one(READER::sbd_veldran_double_parameters[number]);
+  }
+  return visit_one(READER::sbd_veldran_string_parameters[number - READER::k_double_rows]);
 }
 
 template <class NUMBER>
@@ -86,13 +93,14 @@ bool find_rule(SBD_VELDRAN::CHIP_TYPE type, const char* reference, SBD_PARAMETER
   if (chip == nullptr || reference == nullptr) return false;
   SBD_STRING lower = reference;
   sbd_lower(lower);
-  return visit_table(*chip, [chip, &lower, &rule](const auto& row) {
-    if (!is_reference_to(lower, row.block_name, row.parameter_name)) return false;
+  const auto take = [chip, &rule](const auto& row) {
     SBD_PARAMETER_RULE found;
     describe(*chip, row, found);
     rule = std::move(found);
     return true;
-  });
+  };
+  return SBD_ROW_NAMES::get().visit_rows_of(
+      lower, [chip, &take](std::size_t row) { return visit_row(*chip, row, take); });
 }
 
 // ---- Settings ------------------------------------------------------------------------------

@@ -15,6 +15,7 @@ SBD_ROW_NAMES::SBD_ROW_NAMES() {
   add_rows(READER::sbd_veldran_double_parameters);
   add_rows(READER::sbd_veldran_string_parameters);
   set_ranks();
+  set_slots();
 }
 
 template <class ROW>
@@ -44,4 +45,13 @@ void SBD_ROW_NAMES::set_ranks() {
               return left->reference < right->reference;
             });
   for (std::uint32_t rank = 0; rank != k_count; ++rank) order[rank]->rank = rank;
+}
+
+// Rows of one reference are met in their order when they are looked for.
+void SBD_ROW_NAMES::set_slots() {
+  for (std::size_t row = 0; row != k_count; ++row) {
+    std::size_t slot = m_names[row].hash % k_slots;
+    while (m_slots[slot] != 0) slot = (slot + 1) % k_slots;
+    m_slots[slot] = static_cast<std::uint8_t>(row + 1);
+  }
 }
