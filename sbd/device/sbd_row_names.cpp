@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "sbd/reading/sbd_hash.h"
+
 const SBD_ROW_NAMES& SBD_ROW_NAMES::get() {
   static const SBD_ROW_NAMES names;
   return names;
@@ -23,6 +25,7 @@ void SBD_ROW_NAMES::add_rows(const ROW* row) {
   const auto add_text = [this](std::string_view text) {
     std::copy(text.begin(), text.end(), m_texts.begin() + m_text_size);
     m_text_size += text.size();
+    return text.size();
   };
   for (; row->parameter_name != nullptr; ++row) {
     const std::size_t begin = m_text_size;
@@ -30,9 +33,11 @@ void SBD_ROW_NAMES::add_rows(const ROW* row) {
       add_text(row->block_name);
       add_text(".");
     }
-    add_text(row->parameter_name);
+    const std::size_t parameter_size = add_text(row->parameter_name);
     const std::string_view reference(m_texts.data() + begin, m_text_size - begin);
-    m_names[m_name_count++] = {reference, SBD_PARAMETER_STORE::hash_of(reference), 0};
+    const std::string_view own_name = reference.substr(reference.size() - parameter_size);
+    m_names[m_name_count++] = {reference, own_name, sbd_hash_name(own_name),
+                               SBD_PARAMETER_STORE::hash_of(reference), 0};
   }
 }
 

@@ -49,7 +49,7 @@ class SBD_ROW_NAMES {
   static_assert(k_count < 256, "row numbers have one byte, and most slots stay empty");
 
   std::array<SBD_PREPARED_NAME, k_count> m_names;
-  std::array<char, k_text_size> m_texts{};
+  std::array<char, k_text_size> m_texts{};      // About half of it is left, so a step can be read.
   std::array<std::uint8_t, k_slots> m_slots{};  // 1 + number of a row, or 0.
   std::size_t m_name_count = 0;
   std::size_t m_text_size = 0;

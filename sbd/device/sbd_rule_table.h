@@ -35,17 +35,30 @@ class SBD_RULE_TABLE {
  private:
   static constexpr std::size_t k_few = 4;  // So many are simply looked through.
   static constexpr std::size_t k_slots = 512;
+  static constexpr std::size_t k_word = 8;
   static_assert(COUNT < 256, "row numbers have one byte, and most slots stay empty");
 
-  // No step waits for the one before.
-  static constexpr std::size_t hash_of(std::string_view reference) {
-    constexpr std::uint32_t k_multiplier = 0x9E3779B1U;
-    constexpr std::uint32_t k_upper_bits = 20;
-    std::uint32_t hash = 0;
-    for (std::uint32_t i = 0; i != reference.size(); ++i) {
-      hash += static_cast<unsigned char>(reference[i]) * (2 * i + 1) * k_multiplier;
+  // Eight characters in one number.
+  static constexpr std::uint64_t word_at(const char* text) {
+    std::uint64_t word = 0;
+    for (unsigned i = 0; i != k_word; ++i) {
+      word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
     }
-    return hash >> k_upper_bits;
+    return word;
+  }
+
+  // Of its beginning, its middle and its end; what else tells references apart is compared.
+  static constexpr std::size_t hash_of(std::string_view reference) {
+    constexpr std::uint64_t k_multiplier_1 = 0x9E3779B97F4A7C15U;
+    constexpr std::uint64_t k_multiplier_2 = 0xC2B2AE3D27D4EB4FU;
+    constexpr unsigned k_upper_bits = 32;
+    const std::size_t size = reference.size();
+    if (size < k_word) return size;
+    const char* const text = reference.data();
+    const std::uint64_t ends = word_at(text) ^ word_at(text + size - k_word) * k_multiplier_1;
+    const std::uint64_t middle = word_at(text + (size - k_word) / 2);
+    return static_cast<std::size_t>(((ends + middle * k_multiplier_2) * k_multiplier_1) >>
+                                    k_upper_bits);
   }
 
   constexpr bool is_row_of(std::size_t row, std::string_view reference) const {

@@ -103,8 +103,12 @@ bool SBD_PARAMETER_READER::read_parameter(const char* block_name, const char* pa
                                           const DEFAULT* absent_block_value) {
   SBD_MODULE_LOOKUP& lookup = store().lookup;
   const bool has_block = block_name == nullptr || lookup.find_block(block_name) != nullptr;
-  const SBD_FILE_PARSER::SBD_NODE* const node =
-      has_block ? lookup.find_statement(block_name, parameter_name) : nullptr;
+  const SBD_FILE_PARSER::SBD_NODE* node = nullptr;
+  if (has_block && store().walk != nullptr) {
+    node = lookup.find_prepared(block_name, store().walk->name());
+  } else if (has_block) {
+    node = lookup.find_statement(block_name, parameter_name);
+  }
 
   VALUE value{};
   bool has_value = false;

@@ -4,6 +4,8 @@
 
 #include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_store.h"
+#include "sbd/reading/sbd_tree.h"
 
 namespace {
 
@@ -72,6 +74,16 @@ const SBD_NODE* SBD_MODULE_LOOKUP::find_statement(const char* block_name,
   if (m_is_walking) return if_statement(find(find_block(block_name), parameter_name));
   const SBD_JOINED_NAME reference(block_name, parameter_name);
   return if_statement(find(nullptr, reference.c_str()));
+}
+
+const SBD_NODE* SBD_MODULE_LOOKUP::find_prepared(const char* block_name,
+                                                 const SBD_PREPARED_NAME& name) {
+  const SBD_NODE* const scope = block_name == nullptr ? m_module : find_block(block_name);
+  if (scope == nullptr) return nullptr;
+  const SBD_NAME_INDEX& names = m_parser.get_parser_para().symbol_table->store()->names;
+  const auto* const symbol =
+      names.find(scope, sbd_members_of(scope), name.own_name, name.name_hash);
+  return symbol != nullptr ? if_statement(symbol->node) : nullptr;
 }
 
 // ---- Memory ----------------------------------------------------------------------------------

@@ -10,6 +10,15 @@
 #include "sbd/reading/sbd_pool.h"
 #include "sbd/sbd_parameter_reader.h"
 
+// The reference of a parameter with what follows from it.
+struct SBD_PREPARED_NAME {
+  std::string_view reference;   // In lower case.
+  std::string_view own_name;    // Its last part, behind which a step can be read.
+  std::uint64_t name_hash = 0;  // Of own_name, by sbd_hash_name.
+  std::uint32_t hash = 0;       // Of SBD_PARAMETER_STORE::hash_of.
+  std::uint32_t rank = 0;       // Its place among all prepared names in byte-wise order.
+};
+
 // Finds the parts of one module in the document. While a walk is under way the document doesn't
 // change, and neither the module nor the block used last is looked up again.
 class SBD_MODULE_LOOKUP {
@@ -28,6 +37,8 @@ class SBD_MODULE_LOOKUP {
   const SBD_NODE* find_block(const char* block_name);
   // The statement node of a parameter whose block (null: the module) is there; else null.
   const SBD_NODE* find_statement(const char* block_name, const char* parameter_name);
+  // The same for a prepared parameter, during a walk.
+  const SBD_NODE* find_prepared(const char* block_name, const SBD_PREPARED_NAME& name);
 
  private:
   const SBD_NODE* find(const SBD_NODE* scope, const char* name) const;
@@ -38,13 +49,6 @@ class SBD_MODULE_LOOKUP {
   const SBD_NODE* m_module = nullptr;
   const char* m_last_block_name = nullptr;
   const SBD_NODE* m_last_block = nullptr;
-};
-
-// The reference of a parameter with what follows from it.
-struct SBD_PREPARED_NAME {
-  std::string_view reference;  // In lower case.
-  std::uint32_t hash = 0;      // Of SBD_PARAMETER_STORE::hash_of.
-  std::uint32_t rank = 0;      // Its place among all prepared names in byte-wise order.
 };
 
 class SBD_PARAMETER_WALK;

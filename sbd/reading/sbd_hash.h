@@ -39,7 +39,11 @@ inline std::uint32_t sbd_hash_pjw_padded(std::string_view name) {
 }
 
 // Differs from run to run, so that nobody can prepare names that collide.
-extern const std::uint64_t k_hash_seed;
+struct SBD_HASH_SEED {
+  explicit SBD_HASH_SEED(std::uint64_t seed) : value(seed) {}
+  std::uint64_t value;
+};
+extern const SBD_HASH_SEED k_hash_seed;
 
 // Mixes eight bytes into a hash.
 inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
@@ -89,7 +93,7 @@ inline std::uint64_t sbd_load_part(const char* from, std::size_t count) {
 }
 
 // Our own hash of a name, letter case aside.
-inline std::uint64_t sbd_hash_name(std::string_view name, std::uint64_t seed = k_hash_seed) {
+inline std::uint64_t sbd_hash_name(std::string_view name, std::uint64_t seed = k_hash_seed.value) {
   std::uint64_t hash = seed ^ name.size();
   const char* next = name.data();
   std::size_t left = name.size();
@@ -109,7 +113,7 @@ inline std::uint64_t sbd_hash_padded_name(std::string_view name) {
     for (std::size_t i = 0; i != k_hash_step; ++i) masks[i] = 0xFF;
     return masks;
   }();
-  std::uint64_t hash = k_hash_seed ^ name.size();
+  std::uint64_t hash = k_hash_seed.value ^ name.size();
   for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
     const char* const step = name.data() + done;
     const auto* const mask = &k_masks[k_hash_step - std::min(name.size() - done, k_hash_step)];

@@ -27,7 +27,12 @@ std::uint64_t make_seed() noexcept {
 
 }  // namespace
 
-const std::uint64_t k_hash_seed = make_seed();
+// Hashes are kept, so the seed must be there before any initialiser of a program that the library
+// is linked into reads a document.
+#if defined(__GNUC__)
+__attribute__((init_priority(101)))
+#endif
+const SBD_HASH_SEED k_hash_seed{make_seed()};
 
 namespace {
 
@@ -162,14 +167,16 @@ const SBD_NAME_INDEX::ENTRY_MAP::value_type* SBD_NAME_INDEX::last_entered(
 SBD_SYMBOL* SBD_NAME_INDEX::find_any(const SBD_NODE* scope, const SBD_NODE* members,
                                      std::string_view name) const {
   const auto* const entry = last_entered(scope, name);
-  return entry != nullptr ? entry->second : find_read(scope, members, name);
+  return entry != nullptr ? entry->second
+                          : find_read(scope, members, name, sbd_hash_padded_name(name));
 }
 
 bool SBD_NAME_INDEX::has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const {
   if (symbol->parent == nullptr || symbol->name == nullptr) return false;
   const SBD_NODE* const scope = scope_of(symbol);
+  const SBD_JOINED_NAME padded(nullptr, symbol->name);
   const SBD_SYMBOL* const read =
-      find_read(scope, members, SBD_JOINED_NAME(nullptr, symbol->name).view());
+      find_read(scope, members, padded.view(), sbd_hash_padded_name(padded.view()));
   const auto own = m_entries.find(symbol);
   if (own == m_entries.end()) return symbol->m_tag != 0 && read != nullptr && read != symbol;
   if (read != nullptr) return true;

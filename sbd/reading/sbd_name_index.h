@@ -43,13 +43,17 @@ class SBD_NAME_INDEX {
   // The symbol of that name, letter case aside, in that scope which was entered last; null if
   // there is none. `members` is the scope's first node. Behind the name a step can be read.
   SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const {
-    return has_entered() ? find_any(scope, members, name) : find_read(scope, members, name);
+    return find(scope, members, name, sbd_hash_padded_name(name));
+  }
+  // The same for a name whose sbd_hash_name is known.
+  SBD_SYMBOL* find(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name,
+                   std::uint64_t hash) const {
+    return has_entered() ? find_any(scope, members, name) : find_read(scope, members, name, hash);
   }
 
   // The same among those that the reader entered; of two with one name, the first.
-  SBD_SYMBOL* find_read(const SBD_NODE* scope, const SBD_NODE* members,
-                        std::string_view name) const {
-    const std::uint64_t hash = sbd_hash_padded_name(name);
+  SBD_SYMBOL* find_read(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name,
+                        std::uint64_t hash) const {
     const SBD_SCOPE_TABLE* const table = table_of(scope);
     if (table == nullptr || table->listed == 0) return find_unlisted(table, members, hash, name);
     return static_cast<const SBD_SCOPE_LIST*>(table)->find(sbd_name_tag(hash), name);
