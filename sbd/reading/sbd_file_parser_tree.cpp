@@ -170,6 +170,10 @@ SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE SBD_FILE_PARSER::lookup_block_type(
     const char* keyword) noexcept {
   if (keyword == nullptr) return SBD_BLOCK::BT_UNKNOWN;
   const std::string_view text = keyword;
+  // Nearly all are written as they stand in the table.
+  for (const BLOCK_TYPE_ROW& row : k_block_types) {
+    if (text == row.keyword) return row.type;
+  }
   for (const BLOCK_TYPE_ROW& row : k_block_types) {
     if (sbd_equal_ignoring_case(text, row.keyword)) return row.type;
   }

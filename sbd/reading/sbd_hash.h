@@ -12,30 +12,58 @@
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_run.h"
 
-// One step of the PJW hash over a lower-case character; bytes above 0x7f count as negative.
+// One step of the PJW hash over a lower-case character; bytes above 0x7f count as negative. What is
+// shifted out of the 28 bits of the hash is felt in bits 4 to 7, and otherwise to be ignored.
 inline std::uint32_t sbd_hash_pjw_step(std::uint32_t hash, char c) {
   hash = (hash << 4) +
          static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
-  // The highest four bits go, and are felt in bits 4 to 7.
-  return (hash & 0x0FFFFFFFU) ^ ((hash >> 24) & 0xF0U);
+  return hash ^ ((hash >> 24) & 0xF0U);
 }
+
+inline constexpr std::uint32_t k_pjw_bits = 0x0FFFFFFFU;
 
 inline std::uint32_t sbd_hash_pjw(std::string_view name) {
   std::uint32_t hash = 0;
   for (const char c : name) hash = sbd_hash_pjw_step(hash, sbd_to_lower(c));
-  return hash;
+  return hash & k_pjw_bits;
 }
 
-// The same for a name behind which a step can be read, whatever stands there.
+#if SBD_HAS_SSE2
+
+inline constexpr std::size_t k_pjw_start = 6;
+
+// The PJW hash of so many lower-case ASCII characters, which have no more than 28 bits together:
+// each counts sixteen times what the next one counts.
+inline std::uint32_t sbd_hash_pjw_start(const char* lower) {
+  const __m128i characters = _mm_unpacklo_epi8(sbd_load_step(lower), _mm_setzero_si128());
+  const __m128i pairs = _mm_madd_epi16(characters, _mm_setr_epi16(16, 1, 16, 1, 16, 1, 0, 0));
+  const auto pair = [](__m128i lowest) {
+    return static_cast<std::uint32_t>(_mm_cvtsi128_si32(lowest));
+  };
+  return (pair(pairs) << 16) + (pair(_mm_srli_si128(pairs, 4)) << 8) +
+         pair(_mm_srli_si128(pairs, 8));
+}
+
+#endif
+
+// The same for an ASCII name behind which a step can be read, whatever stands there.
 inline std::uint32_t sbd_hash_pjw_padded(std::string_view name) {
   std::uint32_t hash = 0;
   for (std::size_t done = 0; done < name.size(); done += k_run_step) {
     char lower[k_run_step];
     sbd_lower_step(name.data() + done, lower);
     const std::size_t count = std::min(name.size() - done, k_run_step);
-    for (std::size_t i = 0; i != count; ++i) hash = sbd_hash_pjw_step(hash, lower[i]);
+    std::size_t i = 0;
+#if SBD_HAS_SSE2
+    // The first characters don't fill up the 28 bits.
+    if (done == 0 && count >= k_pjw_start) {
+      hash = sbd_hash_pjw_start(lower);
+      i = k_pjw_start;
+    }
+#endif
+    for (; i != count; ++i) hash = sbd_hash_pjw_step(hash, lower[i]);
   }
-  return hash;
+  return hash & k_pjw_bits;
 }
 
 // Differs from run to run, so that nobody can prepare names that collide.

@@ -16,12 +16,12 @@
 class SBD_KNOWN_NAMES {
  public:
   struct NAME {
-    char* text = nullptr;  // The copy that all symbols of that spelling share.
-    std::uint32_t length = 0;
-    std::uint32_t hash = 0;
-    std::uint16_t tag = 0;
-    std::uint8_t bucket = 0;  // Of the symbol table.
-    std::uint8_t next = 0;    // The slot of the name that came behind this one the last time.
+    char* text;  // The copy that all symbols of that spelling share.
+    std::uint32_t length;
+    std::uint32_t hash;
+    std::uint16_t tag;
+    std::uint8_t bucket;  // Of the symbol table.
+    std::uint8_t next;    // The slot of the name that came behind this one the last time.
   };
 
   // The entry of a name, with a copy that COPY makes if the name is new. A step can be read behind
@@ -59,7 +59,7 @@ class SBD_KNOWN_NAMES {
     return slot.length == name.size() && sbd_equal_bytes(slot.text, name.data(), name.size());
   }
 
-  std::array<NAME, k_slot_count> m_slots{};
+  std::array<NAME, k_slot_count> m_slots{};  // All zero where nothing was entered.
   NAME* m_last = m_slots.data();
 };
 

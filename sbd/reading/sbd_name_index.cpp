@@ -1,7 +1,5 @@
 #include "sbd/reading/sbd_name_index.h"
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <limits>
 #include <new>
@@ -36,24 +34,26 @@ const SBD_HASH_SEED k_hash_seed{make_seed()};
 
 namespace {
 
+#if defined(__GNUC__)
+[[gnu::noinline]]  // Seldom called, it would only be in the way.
+#endif
 bool has_twin(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last,
               const SBD_OPEN_MEMBER& member) {
-  return std::any_of(first, last, [&member](const SBD_OPEN_MEMBER& other) {
-    return member.hash == other.hash &&
-           sbd_equal_ignoring_case(member.symbol->name, other.symbol->name);
-  });
+  for (const auto* other = first; other != last; ++other) {
+    if (other->hash != member.hash) continue;
+    if (sbd_equal_ignoring_case(member.symbol->name, other->symbol->name)) return true;
+  }
+  return false;
 }
 
 // Two symbols of a scope with one name are rare, and so are members that a few bits of their hashes
 // don't tell from all before.
 bool has_twins(const SBD_OPEN_MEMBER* first, const SBD_OPEN_MEMBER* last) {
-  constexpr std::size_t k_word = 64;
-  std::array<std::uint64_t, 4> seen{};
+  std::uint64_t seen = 0;
   for (const auto* member = first; member != last; ++member) {
-    std::uint64_t& word = seen[member->hash / k_word % seen.size()];
-    const std::uint64_t bit = std::uint64_t{1} << (member->hash % k_word);
-    if ((word & bit) != 0 && has_twin(first, member, *member)) return true;
-    word |= bit;
+    const std::uint64_t bit = std::uint64_t{1} << (member->hash % 64);
+    if ((seen & bit) != 0 && has_twin(first, member, *member)) return true;
+    seen |= bit;
   }
   return false;
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_grammar_actions.h"
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_parser.h"
@@ -55,10 +56,11 @@ inline int word_code(std::string_view word) {
 // the place stays in a register.
 class FAULTLESS_PARSER {
  public:
-  FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para)
+  FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_READING_STATE& state,
+                   SBD_PARSER_PARA& para)
       : m_end(text.data() + text.size()),
         m_store(store),
-        m_state(*store.reading),
+        m_state(state),
         m_para(para),
         m_line_begin(text.data()),
         m_next_mark(text.data()) {}
@@ -66,7 +68,7 @@ class FAULTLESS_PARSER {
   bool parse() {
     const char* next = m_line_begin;
     while (next != nullptr) {
-      next = skip_blank_space(next);
+      next = skip_lines(next);
       const char c = *next;
       if (sbd_is(c, CC_NAME_START)) {
         next = parse_named(next);
@@ -83,14 +85,20 @@ class FAULTLESS_PARSER {
 
  private:
   // Skips blanks and newlines, which end the condition in which a "#" is a tail comment.
-  const char* skip_blank_space(const char* next) {
-    while (static_cast<unsigned char>(*next) <= ' ') {
-      next = sbd_skip_blanks(next);
-      if (*next != '\n') return next;
-      count_line(next++);
+  const char* skip_lines(const char* next) {
+    next = sbd_skip_blanks(next);
+    while (*next == '\n') {
+      count_line(next);
       m_is_tail = false;
+      next = sbd_skip_indentation(next + 1);
     }
     return next;
+  }
+
+  // The same between two tokens, where there usually is one blank or nothing.
+  const char* skip_blank_space(const char* next) {
+    if (*next == ' ') ++next;
+    return static_cast<unsigned char>(*next) > ' ' ? next : skip_lines(next);
   }
 
   void count_line(const char* newline) {
@@ -150,7 +158,7 @@ class FAULTLESS_PARSER {
     if (m_members.last == nullptr) {
       m_members.first = node;
     } else {
-      sbd_join_node(m_members.last, node);
+      m_members.last->next = node;
     }
     m_members.last = node;
   }
@@ -198,8 +206,8 @@ class FAULTLESS_PARSER {
     m_is_tail = true;
     const OPEN_BLOCK open = m_open_blocks.back();
     m_open_blocks.pop_back();
-    SBD_NODE* const node =
-        sbd_do_block(&open.type, &open.name, m_members.first, m_para.symbol_table);
+    SBD_NODE* const node = SBD_GRAMMAR_ACTIONS::do_block(&open.type, &open.name, m_members.first,
+                                                         m_para.symbol_table, &m_state);
     node->block->m_last = m_members.last;
     node->block->m_end_position = m_store.source.offset_of(next);
 
@@ -266,7 +274,8 @@ class FAULTLESS_PARSER {
     const SBD_TOKEN_INFO* comment = nullptr;
     next = parse_statement_end(next, comment_token, comment);
     if (next == nullptr) return nullptr;
-    append(sbd_do_assignment(&name, value, attributes, comment, m_para.symbol_table));
+    append(SBD_GRAMMAR_ACTIONS::do_assignment(&name, value, attributes, comment,
+                                              m_para.symbol_table, &m_state));
     return next;
   }
 
@@ -340,7 +349,7 @@ class FAULTLESS_PARSER {
     const char* next = sbd_skip_name(begin);
     const SBD_TOKEN_INFO word = token(begin, next);
     if (*next == '.' || skip_index(next)) return nullptr;
-    value = sbd_do_para_value(word_code(word.text), &word);
+    value = SBD_GRAMMAR_ACTIONS::do_para_value(word_code(word.text), &word);
     return skip_blank_space(next);
   }
 
@@ -353,7 +362,7 @@ class FAULTLESS_PARSER {
     if (next == nullptr) return nullptr;
     ++next;
     const SBD_TOKEN_INFO string = token(begin, next);
-    value = sbd_do_para_value(SBD_TOK_STRING, &string);
+    value = SBD_GRAMMAR_ACTIONS::do_para_value(SBD_TOK_STRING, &string);
     return skip_blank_space(next);
   }
 
@@ -362,7 +371,7 @@ class FAULTLESS_PARSER {
     const char* next = skip_number(begin, code);
     if (next == nullptr) return nullptr;
     const SBD_TOKEN_INFO number = token(begin, next);
-    value = sbd_do_para_value(code, &number);
+    value = SBD_GRAMMAR_ACTIONS::do_para_value(code, &number);
     const char* const digits_end = next;
     if (sbd_is(*next, CC_LETTER)) {
       next = skip_unit(next, value->unit);
@@ -491,17 +500,16 @@ class FAULTLESS_PARSER {
   SBD_SCRATCH<OPEN_BLOCK, 16> m_open_blocks;
 };
 
-// Lends the store what reading needs.
+// Lends the store what the builders need.
 class READING {
  public:
-  explicit READING(SBD_STORE& store) : m_store(store) { m_store.reading = &m_state; }
-  ~READING() { m_store.reading = nullptr; }
+  READING(SBD_STORE& store, SBD_READING_STATE& state) : m_store(store) { m_store.lend(&state); }
+  ~READING() { m_store.lend(nullptr); }
   READING(const READING&) = delete;
   READING& operator=(const READING&) = delete;
 
  private:
   SBD_STORE& m_store;
-  SBD_READING_STATE m_state;
 };
 
 // How much memory the records of a text are going to take, as its beginning has it.
@@ -522,6 +530,7 @@ std::size_t estimate_records(std::string_view text) {
 
 bool sbd_parse_faultless(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para) {
   store.pool.reserve(estimate_records(text));
-  const READING reading(store);
-  return FAULTLESS_PARSER(text, store, para).parse();
+  SBD_READING_STATE state;
+  const READING reading(store, state);
+  return FAULTLESS_PARSER(text, store, state, para).parse();
 }

@@ -109,11 +109,9 @@ inline const char* sbd_find_quote_or_newline(const char* next, const char* end) 
   return nullptr;
 }
 
-// Behind the blanks from `next` on. Tabs and carriage returns are rare and taken one by one.
-inline const char* sbd_skip_blanks(const char* next) {
-  if (!sbd_is_blank(*next)) return next;
-  ++next;
-  if (!sbd_is_blank(*next)) return next;
+// Behind the blanks from `next` on, of which there usually are several. Tabs and carriage returns
+// are rare and taken one by one.
+inline const char* sbd_skip_indentation(const char* next) {
   const __m128i blank = _mm_set1_epi8(' ');
   for (;;) {
     const unsigned mask = sbd_mask_of(_mm_cmpeq_epi8(sbd_load_step(next), blank));
@@ -184,7 +182,7 @@ inline const char* sbd_find_quote_or_newline(const char* next, const char* end) 
   return nullptr;
 }
 
-inline const char* sbd_skip_blanks(const char* next) {
+inline const char* sbd_skip_indentation(const char* next) {
   while (sbd_is_blank(*next)) ++next;
   return next;
 }
@@ -202,5 +200,12 @@ inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size
 }
 
 #endif
+
+// Behind the blanks from `next` on, of which there usually is one or none.
+inline const char* sbd_skip_blanks(const char* next) {
+  if (!sbd_is_blank(*next)) return next;
+  ++next;
+  return sbd_is_blank(*next) ? sbd_skip_indentation(next) : next;
+}
 
 #endif

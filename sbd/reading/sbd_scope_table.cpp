@@ -17,14 +17,18 @@ SBD_SCOPE_LIST* SBD_SCOPE_LIST::make(const SBD_OPEN_MEMBER* first, std::size_t c
   const std::size_t places = count / 2 + 1 + count;
   auto* const list = static_cast<SBD_SCOPE_LIST*>(pool.take(places * sizeof(PLACE)));
   list->listed = static_cast<std::uint16_t>(count);
+  TAG* const tags = list->tags();
+  PLACE* const list_places = list->places();
+  const std::intptr_t here = address_of(list);
+  bool is_near = true;
   for (std::size_t i = 0; i != count; ++i) {
-    const std::intptr_t distance = address_of(first[i].symbol) - address_of(list);
+    const std::intptr_t distance = address_of(first[i].symbol) - here;
     const auto place = static_cast<PLACE>(distance / k_unit);
-    if (place * k_unit != distance) return nullptr;
-    list->tags()[i] = first[i].symbol->m_tag;
-    list->places()[i] = place;
+    is_near &= place * k_unit == distance;
+    tags[i] = first[i].tag;
+    list_places[i] = place;
   }
-  return list;
+  return is_near ? list : nullptr;
 }
 
 void SBD_SCOPE_LIST::remove(const SBD_SYMBOL* symbol) {

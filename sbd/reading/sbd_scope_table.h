@@ -17,6 +17,7 @@
 struct SBD_OPEN_MEMBER {
   SBD_FILE_PARSER::SBD_SYMBOL* symbol;
   std::uint32_t hash;
+  std::uint16_t tag;
 };
 
 // What both kinds begin with.

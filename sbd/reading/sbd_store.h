@@ -125,6 +125,9 @@ class SBD_STORE {
   void drop_references_of(const SBD_FILE_PARSER::SBD_STATEMENT& statement) const;
   void drop_references_of(SBD_NODE* node) noexcept;
 
+  // Gives the parser's own state to the builders until null is given.
+  void lend(SBD_READING_STATE* state) noexcept;
+
   // Empties everything but the source.
   void clear_records() noexcept;
 

@@ -1,0 +1,224 @@
+// The actions of the grammar, to be compiled into the parser that calls them for every statement as
+// well as into the public tree builders.
+#ifndef SBD_READING_SBD_GRAMMAR_ACTIONS_H
+#define SBD_READING_SBD_GRAMMAR_ACTIONS_H
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_numbers.h"
+#include "sbd/reading/sbd_parser_build.h"
+#include "sbd/reading/sbd_store.h"
+#include "sbd/sbd_parser.h"
+
+// A call would cost as much as what it does.
+#if defined(__GNUC__)
+#define SBD_ALWAYS_INLINE [[gnu::always_inline]] inline
+#else
+#define SBD_ALWAYS_INLINE inline
+#endif
+
+struct SBD_GRAMMAR_ACTIONS {
+  using SBD_BLOCK = SBD_FILE_PARSER::SBD_BLOCK;
+  using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+  using SBD_PARA_ATTR = SBD_FILE_PARSER::SBD_PARA_ATTR;
+  using SBD_PARA_REF = SBD_FILE_PARSER::SBD_PARA_REF;
+  using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+  using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
+  using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
+  using SBD_SYMBOL_TABLE = SBD_FILE_PARSER::SBD_SYMBOL_TABLE;
+  using SBD_TOKEN_INFO = SBD_FILE_PARSER::SBD_TOKEN_INFO;
+
+  // A record that belongs to where the token comes from: the document being read, or a caller.
+  template <class T>
+  SBD_ALWAYS_INLINE static T* make_record(const SBD_TOKEN_INFO* token) {
+    if (token == nullptr || token->origin == nullptr) return new T;
+    return token->origin->make<T>();
+  }
+
+  SBD_ALWAYS_INLINE static std::uint32_t position_of(const SBD_TOKEN_INFO& token) {
+    return token.origin == nullptr ? 0 : token.origin->position_of(token.text.data());
+  }
+
+  static char* copy_token_text(const SBD_TOKEN_INFO& token);
+
+  // A copy of a string or a comment, the only tokens that NUL bytes can stand in. They become
+  // blanks, since a text of the tree ends at its first NUL, and what stands behind it would be
+  // lost.
+  static char* copy_free_text(const SBD_TOKEN_INFO& token);
+
+  // What the parser keeps for the document that the token comes from; null unless it is being read.
+  // The parser itself knows it, and hands it to what follows.
+  static SBD_READING_STATE* reading_of(const SBD_TOKEN_INFO* token) {
+    return token != nullptr && token->origin != nullptr ? token->origin->reading : nullptr;
+  }
+
+  // The symbol of a new node, which nothing else can have declared yet; made unless it is given.
+  SBD_ALWAYS_INLINE static SBD_SYMBOL* enter_new_symbol(SBD_SYMBOL* symbol,
+                                                        SBD_SYMBOL::SYMBOL_TYPE type,
+                                                        SBD_NODE* node, const SBD_TOKEN_INFO& name,
+                                                        SBD_SYMBOL_TABLE& symbol_table,
+                                                        SBD_READING_STATE* reading) {
+    if (symbol == nullptr) symbol = make_record<SBD_SYMBOL>(&name);
+    symbol->line = name.line;
+    symbol->type = type;
+    symbol->node = node;
+    if (reading != nullptr) {
+      enter_read_symbol(symbol, name, symbol_table, *reading);
+    } else {
+      symbol->name = copy_token_text(name);
+      sbd_enter_foreign_symbol(symbol, symbol_table);
+    }
+    return symbol;
+  }
+
+  SBD_ALWAYS_INLINE static SBD_NODE* do_block(const SBD_TOKEN_INFO* type,
+                                              const SBD_TOKEN_INFO* name, SBD_NODE* members,
+                                              SBD_SYMBOL_TABLE* symbol_table,
+                                              SBD_READING_STATE* reading) {
+    const auto made = make_declaration<SBD_BLOCK>(name);
+    SBD_NODE* const node = made.node;
+    SBD_BLOCK* const block = made.content;
+    node->type = SBD_NODE::NT_BLOCK;
+    node->block = block;
+    block->members = members;
+    if (type != nullptr) {
+      node->m_position = position_of(*type);
+      block->type = copy_token_text(*type);
+      block->block_type = SBD_FILE_PARSER::lookup_block_type(block->type);
+    }
+    const bool has_table =
+        SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
+    if (SBD_CHECK(name != nullptr, "block_name != NULL", k_source_parser) && has_table) {
+      block->name =
+          enter_new_symbol(made.symbol, SBD_SYMBOL::SYM_BLOCK, node, *name, *symbol_table, reading);
+    }
+    return node;
+  }
+
+  // A statement node with everything but its value or references.
+  SBD_ALWAYS_INLINE static SBD_NODE* do_statement(SBD_STATEMENT::STATEMENT_TYPE type,
+                                                  const SBD_TOKEN_INFO* name,
+                                                  const SBD_TOKEN_INFO* comment,
+                                                  SBD_SYMBOL_TABLE* symbol_table,
+                                                  SBD_READING_STATE* reading) {
+    const auto made = make_declaration<SBD_STATEMENT>(name);
+    SBD_NODE* const node = made.node;
+    node->type = SBD_NODE::NT_STATEMENT;
+    node->statement = made.content;
+    made.content->type = type;
+    const bool has_table =
+        SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
+    if (SBD_CHECK(name != nullptr, "para_name != NULL", k_source_parser) && has_table) {
+      node->m_position = position_of(*name);
+      made.content->name = enter_new_symbol(made.symbol, SBD_SYMBOL::SYM_PARAMETER, node, *name,
+                                            *symbol_table, reading);
+    }
+    if (comment != nullptr) made.content->comment = copy_free_text(*comment);
+    return node;
+  }
+
+  SBD_ALWAYS_INLINE static SBD_NODE* do_assignment(const SBD_TOKEN_INFO* name,
+                                                   SBD_PARA_VALUE* value, SBD_PARA_ATTR* attributes,
+                                                   const SBD_TOKEN_INFO* comment,
+                                                   SBD_SYMBOL_TABLE* symbol_table,
+                                                   SBD_READING_STATE* reading) {
+    SBD_NODE* const node =
+        do_statement(SBD_STATEMENT::ST_ASSIGNMENT, name, comment, symbol_table, reading);
+    node->statement->value = value;
+    node->statement->attributes = attributes;
+    return node;
+  }
+
+  SBD_ALWAYS_INLINE static SBD_PARA_VALUE* do_para_value(int code, const SBD_TOKEN_INFO* token) {
+    if (!SBD_CHECK(token != nullptr, "token != NULL", k_source_parser)) return nullptr;
+    auto* const value = make_record<SBD_PARA_VALUE>(token);
+    const std::string_view text = token->text;
+    value->m_position = position_of(*token);
+    value->m_length = static_cast<std::uint32_t>(text.size());
+    const bool is_padded = token->origin != nullptr;  // As all sources are.
+    switch (code) {
+      case SBD_TOK_UDECIMAL:
+        value->type = SBD_PARA_VALUE::VT_UDECIMAL;
+        value->number = is_padded ? sbd_convert_padded_decimal(text) : sbd_convert_decimal(text);
+        return value;
+      case SBD_TOK_OCTAL:
+        value->type = SBD_PARA_VALUE::VT_OCTAL;
+        value->number = sbd_convert_octal(text);
+        return value;
+      case SBD_TOK_HEXAL:
+        value->type = SBD_PARA_VALUE::VT_HEXAL;
+        value->number = is_padded ? sbd_convert_padded_hexadecimal(without_prefix(text))
+                                  : sbd_convert_hexadecimal(without_prefix(text));
+        return value;
+      case SBD_TOK_BINARY:
+        value->type = SBD_PARA_VALUE::VT_BINARY;
+        value->number = sbd_convert_binary(without_prefix(text));
+        return value;
+      case SBD_TOK_FLOAT:
+        value->type = SBD_PARA_VALUE::VT_FLOAT;
+        value->number = sbd_convert_float(text);
+        return value;
+      case SBD_TOK_TRUE:
+      case SBD_TOK_FALSE:
+        value->type = SBD_PARA_VALUE::VT_BOOL;
+        value->flag = code == SBD_TOK_TRUE ? 1 : 0;
+        return value;
+      case SBD_TOK_STRING:
+      case SBD_TOK_IDENTIFIER:
+        value->type = SBD_PARA_VALUE::VT_STRING;
+        value->text = copy_free_text(*token);
+        return value;
+      default:
+        sbd_report_internal_error("Invalid token id\n", k_source_parser, __LINE__);
+        if (token->origin == nullptr) delete value;
+        return nullptr;
+    }
+  }
+
+ private:
+  // The records of something that declares a name.
+  template <class CONTENT>
+  struct DECLARATION {
+    SBD_NODE* node;
+    CONTENT* content;
+    SBD_SYMBOL* symbol;  // Null where it is still to be made.
+  };
+
+  template <class CONTENT>
+  SBD_ALWAYS_INLINE static DECLARATION<CONTENT> make_declaration(const SBD_TOKEN_INFO* name) {
+    if (name == nullptr || name->origin == nullptr) return {new SBD_NODE, new CONTENT, nullptr};
+    struct RECORDS {
+      SBD_NODE node;
+      CONTENT content;
+      SBD_SYMBOL symbol;
+    };
+    auto* const records = name->origin->make<RECORDS>();
+    return {&records->node, &records->content, &records->symbol};
+  }
+
+  // Enters a symbol of the reader's, which has all but its name.
+  SBD_ALWAYS_INLINE static void enter_read_symbol(SBD_SYMBOL* symbol, const SBD_TOKEN_INFO& name,
+                                                  SBD_SYMBOL_TABLE& symbol_table,
+                                                  SBD_READING_STATE& reading) {
+    SBD_STORE& store = *name.origin;
+    const auto& known = reading.known_names.know(
+        name.text, [&store](std::string_view text) { return store.copy(text); });
+    symbol->name = known.text;
+    symbol->m_tag = known.tag;
+    reading.open_members.push_back({symbol, known.hash, known.tag});
+    SBD_SYMBOL*& head = symbol_table[known.bucket];
+    symbol->next = head;
+    head = symbol;
+  }
+
+  // The digits behind 0x or 0b.
+  static std::string_view without_prefix(std::string_view number) {
+    return number.substr(std::min<std::size_t>(number.size(), 2));
+  }
+};
+
+#endif
