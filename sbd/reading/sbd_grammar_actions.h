@@ -87,8 +87,7 @@ struct SBD_GRAMMAR_ACTIONS {
     block->members = members;
     if (type != nullptr) {
       node->m_position = position_of(*type);
-      block->type = copy_token_text(*type);
-      block->block_type = SBD_FILE_PARSER::lookup_block_type(block->type);
+      set_type(*block, *type, reading);
     }
     const bool has_table =
         SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
@@ -198,6 +197,20 @@ struct SBD_GRAMMAR_ACTIONS {
     };
     auto* const records = name->origin->make<RECORDS>();
     return {&records->node, &records->content, &records->symbol};
+  }
+
+  SBD_ALWAYS_INLINE static void set_type(SBD_BLOCK& block, const SBD_TOKEN_INFO& type,
+                                         SBD_READING_STATE* reading) {
+    if (reading == nullptr || type.origin == nullptr || type.text.empty()) {
+      block.type = copy_token_text(type);
+      block.block_type = SBD_FILE_PARSER::lookup_block_type(block.type);
+      return;
+    }
+    SBD_STORE& store = *type.origin;
+    const auto& known = reading->known_types.know(
+        type.text, [&store](std::string_view text) { return store.copy(text); });
+    block.type = known.text;
+    block.block_type = known.type;
   }
 
   // Enters a symbol of the reader's, which has all but its name.

@@ -63,4 +63,37 @@ class SBD_KNOWN_NAMES {
   NAME* m_last = m_slots.data();
 };
 
+// The same for the types of blocks, of which there are a few.
+class SBD_KNOWN_TYPES {
+ public:
+  struct TYPE {
+    char* text;  // The copy that all blocks of that spelling share.
+    std::uint32_t length;
+    SBD_FILE_PARSER::SBD_BLOCK::BLOCK_TYPE type;
+  };
+
+  // The entry of a type as it is written, with a copy that COPY makes if it is new.
+  template <class COPY>
+  const TYPE& know(std::string_view text, COPY&& copy) {
+    TYPE& found = m_slots[slot_of(text.data(), text.size())];
+    if (found.length != text.size() || !sbd_equal_bytes(found.text, text.data(), text.size())) {
+      char* const own_text = copy(text);
+      found = {own_text, static_cast<std::uint32_t>(text.size()),
+               SBD_FILE_PARSER::lookup_block_type(own_text)};
+    }
+    return found;
+  }
+
+ private:
+  static constexpr std::size_t k_slot_count = 16;
+
+  // The types that there are have a slot each.
+  static std::size_t slot_of(const char* text, std::size_t size) {
+    const auto code = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
+    return (code(0) + std::size_t{3} * code(1) + size) % k_slot_count;
+  }
+
+  std::array<TYPE, k_slot_count> m_slots{};  // All zero where nothing was entered.
+};
+
 #endif

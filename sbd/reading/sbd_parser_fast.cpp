@@ -113,9 +113,8 @@ class FAULTLESS_PARSER {
     return {m_line, std::string_view(begin, static_cast<std::size_t>(end - begin)), &m_store};
   }
 
-  // An identifier or an indexed name.
+  // An identifier or an indexed name, of which the first character was seen to begin one.
   const char* skip_declared_name(const char* begin, SBD_TOKEN_INFO& name) {
-    if (!sbd_is(*begin, CC_NAME_START)) return nullptr;
     const char* next = sbd_skip_name(begin);
     while (skip_index(next)) {
     }
@@ -190,6 +189,7 @@ class FAULTLESS_PARSER {
   }
 
   const char* parse_block_head(const char* next, const SBD_TOKEN_INFO& type) {
+    if (!sbd_is(*next, CC_NAME_START)) return nullptr;
     SBD_TOKEN_INFO name;
     next = skip_declared_name(next, name);
     if (next == nullptr) return nullptr;
@@ -512,18 +512,21 @@ class READING {
   SBD_STORE& m_store;
 };
 
-// How much memory the records of a text are going to take, as its beginning has it.
+// How much memory the records of a text are going to take, as its beginning has it: rather too
+// little, since the pool grows in small steps.
 std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_longest_sample = 255 * k_run_step;
-  constexpr std::size_t k_bytes_per_statement = 137;
+  constexpr std::size_t k_per_statement = 133;
+  constexpr std::size_t k_per_brace = 125;  // Of a block; a list has the memory of its elements.
+  constexpr std::size_t k_per_comma = 33;
   const std::size_t sample =
       std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
   if (sample == 0) return 0;
-  const std::size_t statements = sbd_count_in_steps(text.data(), sample, ';');
-  // Blocks and comments are in proportion to the text; names are new at its beginning.
-  const std::size_t bytes = statements * k_bytes_per_statement + sample / 2;
+  const SBD_MARK_COUNTS counts = sbd_count_marks(text.data(), sample);
+  const std::size_t bytes = counts.semicolons * k_per_statement + counts.braces * k_per_brace +
+                            counts.commas * k_per_comma;
   const double share = static_cast<double>(text.size()) / static_cast<double>(sample);
-  return static_cast<std::size_t>(static_cast<double>(bytes) * share) + sample * 3 / 4;
+  return static_cast<std::size_t>(static_cast<double>(bytes) * share);
 }
 
 }  // namespace

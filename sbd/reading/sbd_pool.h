@@ -43,7 +43,8 @@ class SBD_POOL {
 
  private:
   static constexpr std::size_t k_alignment = 8;
-  static constexpr std::size_t k_least_chunk = 1024;
+  static constexpr std::size_t k_first_chunk = 1024;
+  static constexpr std::size_t k_least_chunk = 2048;  // Of those behind it.
 
   struct CHUNK {
     CHUNK* next;
@@ -56,6 +57,7 @@ class SBD_POOL {
   char* m_next = nullptr;
   char* m_end = nullptr;
   std::size_t m_size = 0;
+  std::size_t m_chunk_count = 0;
 };
 
 #endif

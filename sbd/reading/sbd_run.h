@@ -27,6 +27,13 @@ inline bool sbd_is_blank(char c) {
   return static_cast<unsigned char>(c) <= ' ' && sbd_is(c, CC_BLANK);
 }
 
+// How often each character stands in a stretch of text.
+struct SBD_MARK_COUNTS {
+  std::size_t semicolons;
+  std::size_t braces;  // Opening ones.
+  std::size_t commas;
+};
+
 #if SBD_HAS_SSE2
 
 inline __m128i sbd_load_step(const char* from) {
@@ -125,17 +132,24 @@ inline const char* sbd_skip_indentation(const char* next) {
   }
 }
 
-// How often `wanted` stands among the first `size` bytes, a multiple of a step up to 255 steps.
-inline std::size_t sbd_count_in_steps(const char* text, std::size_t size, char wanted) {
-  const __m128i pattern = _mm_set1_epi8(wanted);
-  __m128i counts = _mm_setzero_si128();
-  for (std::size_t done = 0; done != size; done += k_run_step) {
+// Counts in the first `size` bytes, a multiple of a step up to 255 steps.
+inline SBD_MARK_COUNTS sbd_count_marks(const char* text, std::size_t size) {
+  __m128i semicolons = _mm_setzero_si128();
+  __m128i braces = _mm_setzero_si128();
+  __m128i commas = _mm_setzero_si128();
+  for (const char* const end = text + size; text != end; text += k_run_step) {
+    const __m128i bytes = sbd_load_step(text);
     // A match is -1.
-    counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(sbd_load_step(text + done), pattern));
+    semicolons = _mm_sub_epi8(semicolons, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(';')));
+    braces = _mm_sub_epi8(braces, _mm_cmpeq_epi8(bytes, _mm_set1_epi8('{')));
+    commas = _mm_sub_epi8(commas, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(',')));
   }
-  const __m128i halves = _mm_sad_epu8(counts, _mm_setzero_si128());
-  return static_cast<std::size_t>(_mm_cvtsi128_si32(halves)) +
-         static_cast<std::size_t>(_mm_extract_epi16(halves, 4));
+  const auto sum = [](__m128i counts) {
+    const __m128i halves = _mm_sad_epu8(counts, _mm_setzero_si128());
+    return static_cast<std::size_t>(_mm_cvtsi128_si32(halves)) +
+           static_cast<std::size_t>(_mm_extract_epi16(halves, 4));
+  };
+  return {sum(semicolons), sum(braces), sum(commas)};
 }
 
 // The 16 bytes at `from` in lower case.
@@ -187,8 +201,11 @@ inline const char* sbd_skip_indentation(const char* next) {
   return next;
 }
 
-inline std::size_t sbd_count_in_steps(const char* text, std::size_t size, char wanted) {
-  return static_cast<std::size_t>(std::count(text, text + size, wanted));
+inline SBD_MARK_COUNTS sbd_count_marks(const char* text, std::size_t size) {
+  const auto count = [text, size](char mark) {
+    return static_cast<std::size_t>(std::count(text, text + size, mark));
+  };
+  return {count(';'), count('{'), count(',')};
 }
 
 inline void sbd_lower_step(const char* from, char* to) {

@@ -20,15 +20,16 @@ SBD_SCOPE_LIST* SBD_SCOPE_LIST::make(const SBD_OPEN_MEMBER* first, std::size_t c
   TAG* const tags = list->tags();
   PLACE* const list_places = list->places();
   const std::intptr_t here = address_of(list);
-  bool is_near = true;
+  // Whether any distance is more than places can tell, in either direction.
+  constexpr std::uint64_t k_reach = std::uint64_t{k_unit} << 31;
+  std::uint64_t far_bits = 0;
   for (std::size_t i = 0; i != count; ++i) {
-    const std::intptr_t distance = address_of(first[i].symbol) - here;
-    const auto place = static_cast<PLACE>(distance / k_unit);
-    is_near &= place * k_unit == distance;
+    const auto distance = static_cast<std::uint64_t>(address_of(first[i].symbol) - here);
+    far_bits |= distance + k_reach;
     tags[i] = first[i].tag;
-    list_places[i] = place;
+    list_places[i] = static_cast<PLACE>(static_cast<std::uint32_t>(distance / k_unit));
   }
-  return is_near ? list : nullptr;
+  return far_bits < 2 * k_reach ? list : nullptr;
 }
 
 void SBD_SCOPE_LIST::remove(const SBD_SYMBOL* symbol) {

@@ -19,52 +19,53 @@ class SBD_SCRATCH {
   SBD_SCRATCH(const SBD_SCRATCH&) = delete;
   SBD_SCRATCH& operator=(const SBD_SCRATCH&) = delete;
 
-  bool empty() const { return m_size == 0; }
-  std::size_t size() const { return m_size; }
+  bool empty() const { return m_end == m_items; }
+  std::size_t size() const { return static_cast<std::size_t>(m_end - m_items); }
   T& operator[](std::size_t index) { return m_items[index]; }
   const T& operator[](std::size_t index) const { return m_items[index]; }
-  T& back() { return m_items[m_size - 1]; }
+  T& back() { return m_end[-1]; }
   const T* begin() const { return m_items; }
-  const T* end() const { return m_items + m_size; }
+  const T* end() const { return m_end; }
 
   void push_back(const T& item) {
-    if (m_size == m_capacity) {
+    if (m_end == m_limit) {
       const T copy = item;  // It may lie in the items that move.
       grow();
-      m_items[m_size++] = copy;
+      *m_end++ = copy;
       return;
     }
-    m_items[m_size++] = item;
+    *m_end++ = item;
   }
-  void pop_back() { --m_size; }
+  void pop_back() { --m_end; }
   // Drops all items from `size` on.
-  void truncate(std::size_t size) { m_size = size; }
+  void truncate(std::size_t size) { m_end = m_items + size; }
   // Drops all items and the memory behind them.
   void release() noexcept {
-    if (m_items != inline_items()) SBD_ALLOCATOR<T>().deallocate(m_items, m_capacity);
-    m_items = inline_items();
-    m_size = 0;
-    m_capacity = INLINE_COUNT;
+    if (m_items != inline_items()) SBD_ALLOCATOR<T>().deallocate(m_items, capacity());
+    m_items = m_end = inline_items();
+    m_limit = m_items + INLINE_COUNT;
   }
 
  private:
   T* inline_items() { return reinterpret_cast<T*>(m_inline); }
 
+  std::size_t capacity() const { return static_cast<std::size_t>(m_limit - m_items); }
+
   void grow() {
-    const std::size_t capacity = m_capacity * 2;
-    T* items = SBD_ALLOCATOR<T>().allocate(capacity);
-    std::memcpy(static_cast<void*>(items), m_items, m_size * sizeof(T));
-    const std::size_t size = m_size;
+    const std::size_t new_capacity = capacity() * 2;
+    const std::size_t used = size();
+    T* const items = SBD_ALLOCATOR<T>().allocate(new_capacity);
+    std::memcpy(static_cast<void*>(items), m_items, used * sizeof(T));
     release();
     m_items = items;
-    m_size = size;
-    m_capacity = capacity;
+    m_end = items + used;
+    m_limit = items + new_capacity;
   }
 
   alignas(T) unsigned char m_inline[INLINE_COUNT * sizeof(T)];
   T* m_items = inline_items();
-  std::size_t m_size = 0;
-  std::size_t m_capacity = INLINE_COUNT;
+  T* m_end = m_items;                   // Behind the last item,
+  T* m_limit = m_items + INLINE_COUNT;  // and behind the room for more.
 };
 
 #endif

@@ -38,6 +38,7 @@ struct SBD_PARSE_FACTS {
 // What the parser keeps while it builds a tree, and nobody needs afterwards.
 struct SBD_READING_STATE {
   SBD_KNOWN_NAMES known_names;
+  SBD_KNOWN_TYPES known_types;
   SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // The names whose scope is open.
 };
 
