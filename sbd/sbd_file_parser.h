@@ -313,6 +313,10 @@ class SBD_API SBD_FILE_PARSER {
   // not matter, "[" and "]" are ordinary characters. A two-name form is the one-name form for
   // block "." parameter. Unknown or null names give false or null in silence, and outputs are then
   // left as they were. Records that are handed out belong to the document.
+  //
+  // A document that is asked for many names makes itself an index of all, of about 50 bytes for
+  // each of them, and keeps it until its first edit. Where the host has no memory for it, it does
+  // without.
 
   // The node named `ref`, seen from inside `scope` (null: from the top level).
   SBD_NODE* get_ref_object(const char* ref, const SBD_NODE* scope) const;

@@ -48,6 +48,10 @@ SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_object(const char* block, const
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(const SBD_JOINED_NAME& name,
                                                          const SBD_NODE* scope) const {
   const std::string_view whole = name.view();
+  if (scope == nullptr) {
+    SBD_NODE* const found = m_store->names.find_path(m_parser_para.root, whole, m_store->pool);
+    if (found != nullptr) return found;
+  }
   const char* const end = whole.data() + whole.size();
   for (const char* part = whole.data();;) {
     const char* const part_end = find_part_end(part);

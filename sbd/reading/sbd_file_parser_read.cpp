@@ -127,6 +127,7 @@ bool SBD_FILE_PARSER::run_checks() {
   if (facts.has_duplicate_names) return resolve_symbol(m_parser_para.root, m_parser_para.root);
   if (facts.has_misplaced_blocks || !find_all_targets()) return check_semantic(m_parser_para.root);
   m_store->facts.references.release();
+  m_store->names.begin_paths();
   return true;
 }
 

@@ -120,7 +120,8 @@ SBD_SYMBOL* SBD_NAME_INDEX::find_unlisted(const SBD_SCOPE_TABLE* table, const SB
   for (const SBD_NODE* node = members; node != nullptr && node->m_position != 0;
        node = node->next) {
     SBD_SYMBOL* const symbol = sbd_symbol_of(node);
-    if (symbol != nullptr && symbol->m_tag == tag && sbd_has_name(*symbol, name)) return symbol;
+    if (symbol != nullptr && symbol->m_tag == tag && sbd_has_name(symbol->name, name))
+      return symbol;
   }
   return nullptr;
 }
@@ -195,6 +196,7 @@ bool SBD_NAME_INDEX::has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* membe
 }
 
 void SBD_NAME_INDEX::enter(SBD_SYMBOL* symbol) {
+  drop_paths();
   const auto entry = m_by_name.emplace(key_of(symbol, m_serial), symbol).first;
   try {
     m_entries.emplace(symbol, entry);
@@ -206,6 +208,7 @@ void SBD_NAME_INDEX::enter(SBD_SYMBOL* symbol) {
 }
 
 void SBD_NAME_INDEX::remove(SBD_SYMBOL* symbol) noexcept {
+  drop_paths();
   const auto entry = m_entries.find(symbol);
   if (entry != m_entries.end()) {
     m_by_name.erase(entry->second);
@@ -232,7 +235,30 @@ void SBD_NAME_INDEX::rescope(SBD_SYMBOL* symbol) {
   entry->second = m_by_name.insert(std::move(handle)).position;
 }
 
+// Making the index takes as long as some searches for each of the objects save, so there have to be
+// some for every few of them.
+SBD_NODE* SBD_NAME_INDEX::count_search(SBD_NODE* root, const SBD_POOL& pool) const noexcept {
+  constexpr std::uint32_t k_fewest = 64;
+  constexpr std::size_t k_bytes_per_search = 1024;
+  const std::size_t enough = k_fewest + pool.size() / k_bytes_per_search;
+  // The one that counts up to just that number makes it; without memory there is none.
+  if (m_searches.fetch_add(1, std::memory_order_relaxed) + std::size_t{1} != enough) return nullptr;
+  try {
+    m_paths.store(new SBD_PATH_INDEX(root), std::memory_order_release);
+  } catch (...) {
+    return nullptr;
+  }
+  return nullptr;
+}
+
+void SBD_NAME_INDEX::drop_paths() noexcept {
+  delete m_paths.exchange(nullptr, std::memory_order_relaxed);
+  m_searches.store(0, std::memory_order_relaxed);
+  m_has_paths = false;
+}
+
 void SBD_NAME_INDEX::clear() noexcept {
+  drop_paths();
   m_by_name.clear();
   m_entries.clear();
   m_top_table = nullptr;

@@ -7,6 +7,7 @@
 #ifndef SBD_READING_SBD_NAME_INDEX_H
 #define SBD_READING_SBD_NAME_INDEX_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -15,6 +16,7 @@
 #include <unordered_map>
 
 #include "sbd/reading/sbd_hash.h"
+#include "sbd/reading/sbd_path_index.h"
 #include "sbd/reading/sbd_pool.h"
 #include "sbd/reading/sbd_scope_table.h"
 #include "sbd/sbd_file_parser.h"
@@ -25,6 +27,7 @@ class SBD_NAME_INDEX {
   using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 
   SBD_NAME_INDEX() = default;
+  ~SBD_NAME_INDEX() { drop_paths(); }
   SBD_NAME_INDEX(const SBD_NAME_INDEX&) = delete;
   SBD_NAME_INDEX& operator=(const SBD_NAME_INDEX&) = delete;
 
@@ -75,6 +78,16 @@ class SBD_NAME_INDEX {
 
   void clear() noexcept;
 
+  // Lets whole names be found at once from now on, as long as no name comes, goes or moves.
+  void begin_paths() noexcept { m_has_paths = true; }
+  // The object of a whole name, letter case aside, in the document that begins with `root`; null
+  // tells nothing. Behind the name a step can be read. Several threads may ask at a time.
+  SBD_NODE* find_path(SBD_NODE* root, std::string_view name, const SBD_POOL& pool) const {
+    if (!m_has_paths) return nullptr;
+    const SBD_PATH_INDEX* const paths = m_paths.load(std::memory_order_acquire);
+    return paths != nullptr ? paths->find(name) : count_search(root, pool);
+  }
+
   // The scope that a symbol's parent stands for: null at top level. A symbol without parent is in
   // no scope at all, not even at top level.
   static const SBD_NODE* scope_of(const SBD_SYMBOL* symbol) {
@@ -108,12 +121,19 @@ class SBD_NAME_INDEX {
   static SBD_SYMBOL* find_unlisted(const SBD_SCOPE_TABLE* table, const SBD_NODE* members,
                                    std::uint64_t hash, std::string_view name);
   SBD_SYMBOL* find_any(const SBD_NODE* scope, const SBD_NODE* members, std::string_view name) const;
+  SBD_NODE* count_search(SBD_NODE* root, const SBD_POOL& pool) const noexcept;
+  void drop_paths() noexcept;
   const ENTRY_MAP::value_type* last_entered(const SBD_NODE* scope, std::string_view name) const;
 
   SBD_SCOPE_TABLE* m_top_table = nullptr;
   ENTRY_MAP m_by_name;
   ENTRIES m_entries;
   std::uint64_t m_serial = 0;
+
+  // Made when enough was asked for, by one of the threads that ask.
+  mutable std::atomic<const SBD_PATH_INDEX*> m_paths{nullptr};
+  mutable std::atomic<std::uint32_t> m_searches{0};
+  bool m_has_paths = false;
 };
 
 #endif

@@ -80,6 +80,11 @@ inline std::size_t sbd_first_clear_bit(unsigned mask) {
   return static_cast<std::size_t>(__builtin_ctz(~mask));
 }
 
+// Of a mask that is not 0.
+inline std::size_t sbd_last_set_bit(unsigned mask) {
+  return static_cast<std::size_t>(31 - __builtin_clz(mask));
+}
+
 // Behind the bytes from `next` on that MASK_OF marks.
 template <unsigned (*MASK_OF)(__m128i)>
 const char* sbd_skip_run(const char* next) {

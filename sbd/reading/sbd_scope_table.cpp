@@ -54,7 +54,7 @@ SBD_SYMBOL** SBD_SCOPE_HASH::find_slot(std::uint32_t hash, std::uint16_t tag,
        index = index + 1 == m_capacity ? 0 : index + 1) {
     SBD_SYMBOL* const symbol = m_slots[index];
     if (symbol == nullptr) return &m_slots[index];
-    if (symbol->m_tag == tag && sbd_has_name(*symbol, name)) return &m_slots[index];
+    if (symbol->m_tag == tag && sbd_has_name(symbol->name, name)) return &m_slots[index];
   }
 }
 

@@ -25,9 +25,8 @@ struct SBD_SCOPE_TABLE {
   std::uint16_t listed;  // Members of a list; 0 for a hash table.
 };
 
-// True when a symbol of the reader's has that name. Behind both a step can be read.
-inline bool sbd_has_name(const SBD_FILE_PARSER::SBD_SYMBOL& symbol, std::string_view name) {
-  const char* const text = symbol.name;
+// True when the text of a symbol of the reader's is that name. Behind both a step can be read.
+inline bool sbd_has_name(const char* text, std::string_view name) {
   for (std::size_t done = 0; done < name.size(); done += k_run_step) {
     const std::size_t count = std::min(name.size() - done, k_run_step);
     if (!sbd_equal_bytes(text + done, name.data() + done, count)) {
@@ -55,7 +54,7 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
         const std::size_t index = begin + sbd_first_clear_bit(~same) / k_bits_per_tag;
         SBD_SYMBOL* const symbol = symbol_of(index);
         prefetch_around(symbol);
-        if (sbd_has_name(*symbol, name)) return symbol;
+        if (sbd_has_name(symbol->name, name)) return symbol;
       }
     }
     return nullptr;
