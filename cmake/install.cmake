@@ -73,8 +73,29 @@ if(SBD_BUILD_TOOL)
   set_target_properties(sbd_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
   install(TARGETS sbd_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 
-  file(GLOB manuals CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.1)
-  if(manuals)
-    install(FILES ${manuals} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  # Debian wants manual pages compressed; elsewhere nobody minds them as they are.
+  set(manual_pages ${SBD_MANUAL_FOLDER}/)
+  set(format_pages ${PROJECT_SOURCE_DIR}/docs/man/)
+  if(SBD_PACKAGE)
+    set(manual_pages ${SBD_MANUAL_FOLDER}/compressed/)
+    set(format_pages ${manual_pages})
   endif()
+  install(DIRECTORY ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools
+          FILES_MATCHING REGEX "[.]1([.]gz)?$" PATTERN compressed EXCLUDE)
+  install(DIRECTORY ${format_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools
+          FILES_MATCHING REGEX "[.]5([.]gz)?$")
+
+  # Completion of the command line, where each shell looks for it. Under /usr, Debian's zsh looks
+  # in a folder of its own.
+  set(completion ${PROJECT_SOURCE_DIR}/tools/completion)
+  set(zsh_folder site-functions)
+  if(SBD_PACKAGE)
+    set(zsh_folder vendor-completions)
+  endif()
+  install(FILES ${completion}/sbd.bash RENAME sbd COMPONENT tools
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${completion}/_sbd COMPONENT tools
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_folder})
+  install(FILES ${completion}/sbd.fish COMPONENT tools
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()

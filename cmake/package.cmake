@@ -1,6 +1,5 @@
 # Debian packages: libsbd0 (libraries), libsbd-dev (to build against them) and sbd-tools (the
 # command). `./dev package` configures a build for them, makes them and lets lintian judge them.
-option(SBD_PACKAGE "Provide what CPack makes Debian packages of" OFF)
 if(NOT SBD_PACKAGE)
   return()
 endif()
@@ -8,13 +7,11 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   message(FATAL_ERROR "Packages are for /usr: configure with -DCMAKE_INSTALL_PREFIX=/usr")
 endif()
 
-set(SBD_CHANGE_DATE "Fri, 20 Nov 2026 12:00:00 +0000" CACHE STRING "Date of the packages' change log")
 set(CPACK_PACKAGE_CONTACT "sbd maintainers <sbd@example.org>" CACHE STRING
     "Who maintains the packages")
 
 # ---- Documents that every package has to bring ---------------------------------------------------
 
-find_program(SBD_GZIP gzip REQUIRED)
 set(package_folder ${PROJECT_BINARY_DIR}/packaging)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/changelog.in ${package_folder}/changelog @ONLY)
 execute_process(COMMAND ${SBD_GZIP} --best --no-name --force --keep changelog

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <sstream>
 
 #include "tools/visible_text.h"
@@ -26,6 +27,57 @@ std::string get_reason(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = app.remaining();
   if (unknown.empty()) return "a command is required";
   return fmt::format("no command or option '{}'", make_visible(unknown.front()));
+}
+
+// Of "{auto,always,never}", which is what the parser library says of a choice, its members.
+std::vector<std::string> split_choices(const std::string& braced) {
+  std::vector<std::string> choices;
+  std::istringstream list(braced.substr(1, braced.size() - 2));
+  for (std::string choice; std::getline(list, choice, ',');) choices.push_back(choice);
+  return choices;
+}
+
+// Of an option, the names as they are typed; of a positional argument, what help calls it.
+std::string get_last_name(const CLI::Option& option) {
+  if (!option.get_lnames().empty()) return "--" + option.get_lnames().back();
+  if (!option.get_snames().empty()) return "-" + option.get_snames().back();
+  return option.get_name(true);
+}
+
+ARGUMENT_DESCRIPTION describe_argument(const CLI::Option& option) {
+  ARGUMENT_DESCRIPTION argument;
+  for (const std::string& name : option.get_snames()) argument.names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames()) argument.names.push_back("--" + name);
+  if (argument.names.empty()) argument.values.push_back(option.get_name(true));
+  const std::string type = option.get_type_name();
+  const std::size_t value_end = std::min(type.find(":{"), type.size());
+  const bool takes_value = option.get_items_expected_max() > 0;
+  if (takes_value && value_end != 0) argument.values.push_back(type.substr(0, value_end));
+  if (value_end != type.size()) argument.choices = split_choices(type.substr(value_end + 1));
+  argument.description = option.get_description();
+  for (const CLI::Option* const other : option.get_excludes()) {
+    argument.excluded.push_back(get_last_name(*other));
+  }
+  std::sort(argument.excluded.begin(), argument.excluded.end());
+  argument.is_required = option.get_required();
+  argument.is_repeated = option.get_expected_max() >= CLI::detail::expected_max_vector_size;
+  return argument;
+}
+
+COMMAND_DESCRIPTION describe_command(const CLI::App& app, const std::string& path) {
+  COMMAND_DESCRIPTION command;
+  command.name = app.get_name();
+  command.path = path + app.get_name();
+  command.description = app.get_description();
+  command.footer = app.get_footer();
+  for (const CLI::Option* const option : app.get_options()) {
+    (option->get_positional() ? command.positionals : command.options)
+        .push_back(describe_argument(*option));
+  }
+  for (const CLI::App* const below : app.get_subcommands({})) {
+    command.commands.push_back(describe_command(*below, command.path + ' '));
+  }
+  return command;
 }
 
 }  // namespace
@@ -125,13 +177,19 @@ bool COMMAND_SYNTAX::is_given() const {
 // ---- The command line --------------------------------------------------------------------------
 
 COMMAND_LINE::COMMAND_LINE(const TOOL_TEXTS& texts)
-    : m_app(std::make_unique<CLI::App>(texts.description, texts.name)) {
+    : m_texts(texts), m_app(std::make_unique<CLI::App>(texts.description, texts.name)) {
   m_app->set_version_flag("--version", texts.version, "Print the version and exit");
-  m_app->footer(texts.footer);
+  m_app->footer(texts.exit_codes + '\n' + texts.footer);
   tool().require_command();
 }
 
 COMMAND_LINE::~COMMAND_LINE() = default;
+
+COMMAND_DESCRIPTION COMMAND_LINE::describe() const {
+  COMMAND_DESCRIPTION description = describe_command(*m_app, {});
+  description.footer = m_texts.footer;
+  return description;
+}
 
 COMMAND_LINE::RESULT COMMAND_LINE::parse(int argument_count, const char* const* arguments) {
   try {

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/command_description.h"
+
 namespace CLI {
 class App;
 class Option;
@@ -90,6 +92,7 @@ class COMMAND_LINE {
     std::string name;
     std::string description;
     std::string version;
+    std::string exit_codes;  // Help prints them before the footer.
     std::string footer;
   };
 
@@ -107,10 +110,14 @@ class COMMAND_LINE {
 
   COMMAND_SYNTAX tool() const { return COMMAND_SYNTAX(m_app.get()); }
 
+  // All that was added to the tool.
+  COMMAND_DESCRIPTION describe() const;
+
   // Reads the arguments of main, once.
   RESULT parse(int argument_count, const char* const* arguments);
 
  private:
+  TOOL_TEXTS m_texts;
   std::unique_ptr<CLI::App> m_app;
 };
 

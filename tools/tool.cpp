@@ -14,6 +14,7 @@
 #include "sbd/sbd_api.h"
 #include "tools/command_line.h"
 #include "tools/commands/command.h"
+#include "tools/completion.h"
 #include "tools/findings.h"
 #include "tools/session.h"
 
@@ -24,14 +25,10 @@ namespace {
 constexpr char k_description[] = "Checks, shows, queries and edits System Build Descriptor files.";
 
 constexpr char k_footer[] =
-    "Exit codes: 0 fine; 1 the file has faults, has not what was asked for, or can't be edited "
-    "so;\n"
-    "2 wrong use, an unreadable file, or output that can't be written.\n"
-    "\n"
     "Examples:\n"
     "  sbd check board.sbd\n"
-    "  sbd show board.sbd stripe\n"
-    "  sbd get board.sbd stripe.pll1.clock\n"
+    "  sbd show board.sbd board.stripe\n"
+    "  sbd get board.sbd board.stripe.sdram.data_width\n"
     "  sbd list --type module board.sbd\n"
     "  sbd params board.sbd sdram\n"
     "  sbd map board.sbd\n"
@@ -39,9 +36,17 @@ constexpr char k_footer[] =
     "  sbd report board.sbd -o report.html\n"
     "  sbd new --chip qmxa10 --with sdram,uart > board.sbd\n"
     "  sbd explain sdram.data_width\n"
-    "  sbd set board.sbd stripe.pll1.clock 50MHz\n"
+    "  sbd set board.sbd board.stripe.sdram.data_width 16\n"
     "  sbd fmt --check boards/*.sbd\n"
     "  sbd COMMAND --help";
+
+std::string list_exit_codes() {
+  std::string text = "Exit codes:\n";
+  for (const EXIT_CODE_MEANING& code : k_exit_codes) {
+    text += fmt::format("  {}  {}\n", static_cast<int>(code.code), code.meaning);
+  }
+  return text;
+}
 
 // A command with what the command line knows of it.
 struct DECLARED_COMMAND {
@@ -73,7 +78,14 @@ class TOOL {
     declare(make_fmt_command());
   }
 
+  COMMAND_DESCRIPTION describe() const { return m_command_line.describe(); }
+
   void run(int argument_count, const char* const* arguments) {
+    if (argument_count > 1 && arguments[1] == k_complete_command) {
+      const std::vector<std::string> words(arguments + 2, arguments + argument_count);
+      m_session.out().write(format_completion(complete(describe(), words)));
+      return;
+    }
     const COMMAND_LINE::RESULT result = m_command_line.parse(argument_count, arguments);
     switch (result.kind) {
       case COMMAND_LINE::RESULT::KIND::ANSWER:
@@ -98,7 +110,7 @@ class TOOL {
 
   SESSION& m_session;
   COMMAND_LINE m_command_line{
-      {"sbd", k_description, fmt::format("sbd {}", sbd_version()), k_footer}};
+      {"sbd", k_description, fmt::format("sbd {}", sbd_version()), list_exit_codes(), k_footer}};
   std::vector<DECLARED_COMMAND> m_commands;
 };
 
@@ -126,6 +138,11 @@ void run_guarded(SESSION& session, int argument_count, const char* const* argume
 }
 
 }  // namespace
+
+COMMAND_DESCRIPTION describe_tool() {
+  SESSION session;
+  return TOOL(session).describe();
+}
 
 EXIT_CODE run_tool(int argument_count, const char* const* arguments) noexcept {
   // A broken pipe is then told by the write that fails.

@@ -23,10 +23,10 @@ constexpr char k_examples[] =
     "stand for, and lists in the notation of the file.\n"
     "\n"
     "Examples:\n"
-    "  sbd get board.sbd stripe.pll1.clock\n"
-    "  sbd get --as number board.sbd stripe.sram.size\n"
-    "  sbd get --as raw board.sbd stripe.sram.size\n"
-    "  sbd get --json board.sbd stripe.names";
+    "  sbd get board.sbd board.stripe.sdram.data_width\n"
+    "  sbd get --as number board.sbd board.stripe.clocks.input_clock_frequency\n"
+    "  sbd get --as raw board.sbd board.stripe.clocks.input_clock_frequency\n"
+    "  sbd get --json board.sbd board.stripe.type";
 
 // What --as can ask for besides the notation of the file.
 struct FORM {

@@ -20,7 +20,7 @@ constexpr char k_examples[] =
     "\n"
     "Examples:\n"
     "  sbd list board.sbd\n"
-    "  sbd list --type module --scope stripe board.sbd\n"
+    "  sbd list --type module --scope board.stripe board.sbd\n"
     "  sbd list --parameters board.sbd | grep '\\.size$'";
 
 // The full name of the node that a walk is at.

@@ -18,7 +18,7 @@ constexpr char k_examples[] =
     "\n"
     "Examples:\n"
     "  sbd show board.sbd\n"
-    "  sbd show board.sbd stripe.pll1\n"
+    "  sbd show board.sbd board.stripe.clocks\n"
     "  sbd show --json board.sbd | jq '.nodes[].name'";
 
 class SHOW_COMMAND : public COMMAND {
