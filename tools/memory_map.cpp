@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "sbd/sbd_veldran_keywords.h"
+#include "tools/names.h"
 #include "tools/notation.h"
 #include "tools/parameter_kind.h"
 
@@ -52,7 +53,7 @@ PARAMETER_VIEW view_controller(const SBD_VELDRAN& device, const std::string& blo
 
 // A device takes 32 bits of a whole number, which may not be what the file seems to say.
 void note_cut_number(const SBD_VELDRAN& device, const PARAMETER_VIEW& parameter,
-                     std::vector<std::string>& remarks) {
+                     MEMORY_WINDOW& window) {
   SBD_PARAMETER_STATE state;
   if (!has_value(parameter)) return;
   if (!sbd_get_parameter_state(device, parameter.name.c_str(), state)) return;
@@ -61,7 +62,12 @@ void note_cut_number(const SBD_VELDRAN& device, const PARAMETER_VIEW& parameter,
   if (statement.type != STATEMENT::ST_ASSIGNMENT || !is_number(*statement.value)) return;
   const std::string stated = get_scaled_number(*statement.value);
   if (stated == parameter.text) return;
-  remarks.push_back(fmt::format("{} counts as {}, not {}", parameter.name, parameter.text, stated));
+  window.remarks.push_back(
+      fmt::format("{} counts as {}, not {}", parameter.name, parameter.text, stated));
+  double number = 0;
+  device.get_value(full_name(device, *state.statement).c_str(), number);
+  const bool does_fit = number >= 0 && number < static_cast<double>(k_address_space);
+  if (!does_fit) window.misfits.push_back({parameter.place, window.remarks.back()});
 }
 
 MEMORY_WINDOW view_window(const SBD_VELDRAN& device, const std::string& block) {
@@ -72,8 +78,8 @@ MEMORY_WINDOW view_window(const SBD_VELDRAN& device, const std::string& block) {
   window.enabled = view_parameter(device, in_block(block, SBD_VEL_ENABLED));
   window.prefetch = view_parameter(device, in_block(block, SBD_VEL_PREFETCH));
 
-  note_cut_number(device, window.base, window.remarks);
-  note_cut_number(device, window.size, window.remarks);
+  note_cut_number(device, window.base, window);
+  note_cut_number(device, window.size, window);
   const PARAMETER_VIEW controller = view_controller(device, block);
   const bool is_served = controller.name.empty() || is_true(controller);
   window.is_in_use = is_true(window.enabled) && is_served;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ inline constexpr std::uint64_t k_address_space = std::uint64_t{1} << 32U;
 
 // A block with a base address and a size.
 struct MEMORY_WINDOW {
+  // A stated number that addresses have not enough bits for.
+  struct MISFIT {
+    std::optional<SOURCE_RANGE> place;  // Of its statement.
+    std::string text;                   // "sram[0].address_size counts as 0, not 4294967296".
+  };
+
   std::string name;  // The block below the stripe's module, such as "ebi.region[0]".
   PARAMETER_VIEW base;
   PARAMETER_VIEW size;
@@ -28,7 +35,9 @@ struct MEMORY_WINDOW {
   std::uint64_t first = 0;  // Address; of a window that is placed.
   std::uint64_t end = 0;    // The address behind the last one; may lie beyond the address space.
   std::vector<std::string> overlaps;  // Names of other windows.
-  std::vector<std::string> remarks;   // What else is to be said, such as why it is not in use.
+  // What else is to be said, such as why it is not in use; with the texts of the misfits.
+  std::vector<std::string> remarks;
+  std::vector<MISFIT> misfits;
 
   bool is_faulty() const { return !overlaps.empty() || end > k_address_space; }
 };
