@@ -94,10 +94,10 @@ struct NOTED {
 class DIFF {
  public:
   DIFF(DESCRIPTOR& old_descriptor, DESCRIPTOR& new_descriptor, bool is_strict)
-      : m_old(old_descriptor.document),
+      : m_old_descriptor(old_descriptor),
+        m_new_descriptor(new_descriptor),
+        m_old(old_descriptor.document),
         m_new(new_descriptor.document),
-        m_old_devices(take_snapshots(old_descriptor)),
-        m_new_devices(take_snapshots(new_descriptor)),
         m_pairing(m_old.get_parser_para().root, m_new.get_parser_para().root),
         m_is_strict(is_strict) {}
 
@@ -241,12 +241,21 @@ class DIFF {
   // ---- The devices ----
 
   void compare_devices() {
-    for (const DEVICE_SNAPSHOT& old_device : m_old_devices) {
-      for (const DEVICE_SNAPSHOT& new_device : m_new_devices) {
-        const bool is_pair = old_device.block != nullptr &&
-                             m_pairing.counterpart(old_device.block) == new_device.block;
-        if (is_pair) compare_device(old_device, new_device);
-      }
+    index_values();
+    for (const std::string& name : list_devices(m_old)) {
+      const NODE* const block = find_node(m_old, name, nullptr);
+      const NODE* const counterpart = block != nullptr ? m_pairing.counterpart(block) : nullptr;
+      if (counterpart == nullptr) continue;
+      compare_device(take_snapshot(m_old_descriptor, name),
+                     take_snapshot(m_new_descriptor, full_name(m_new, *counterpart)));
+    }
+  }
+
+  void index_values() {
+    for (NOTED& noted : m_noted) {
+      if (!is_about_value(noted.difference)) continue;
+      if (noted.old_node != nullptr) m_values[noted.old_node] = &noted;
+      if (noted.new_node != nullptr) m_values[noted.new_node] = &noted;
     }
   }
 
@@ -256,16 +265,13 @@ class DIFF {
     for (const EFFECT& effect : parameters) changed[effect.name] = &effect;
     std::unordered_set<std::string> told;
     const bool is_device_level = old_device.has_parameters && new_device.has_parameters;
-    for (NOTED& noted : m_noted) {
-      const std::string parameter = find_stated(noted, old_device, new_device);
-      if (parameter.empty()) continue;
-      if (!is_about_value(noted.difference)) continue;
+    for (const auto& [noted, parameter] : list_stated(old_device, new_device)) {
       const auto effect = changed.find(parameter);
       if (effect != changed.end()) {
-        tell_device_values(noted.difference, *effect->second);
+        tell_device_values(noted->difference, *effect->second);
         told.insert(parameter);
       } else if (is_device_level && !m_is_strict) {
-        noted.is_dropped = true;
+        noted->is_dropped = true;
       }
     }
     DEVICE_DIFFERENCE device = {new_device.name, {}};
@@ -288,12 +294,17 @@ class DIFF {
     if (difference.kind == KIND::REMOVED) difference.new_text = effect.new_text;
   }
 
-  static std::string find_stated(const NOTED& noted, const DEVICE_SNAPSHOT& old_device,
-                                 const DEVICE_SNAPSHOT& new_device) {
-    const auto in_old = old_device.stated.find(noted.old_node);
-    if (in_old != old_device.stated.end()) return in_old->second;
-    const auto in_new = new_device.stated.find(noted.new_node);
-    return in_new != new_device.stated.end() ? in_new->second : std::string();
+  // The differences about values of the device's parameters, with the names of these.
+  std::map<NOTED*, std::string> list_stated(const DEVICE_SNAPSHOT& old_device,
+                                            const DEVICE_SNAPSHOT& new_device) const {
+    std::map<NOTED*, std::string> stated;
+    for (const DEVICE_SNAPSHOT* const device : {&old_device, &new_device}) {
+      for (const auto& [node, parameter] : device->stated) {
+        const auto value = m_values.find(node);
+        if (value != m_values.end()) stated.emplace(value->second, parameter);
+      }
+    }
+    return stated;
   }
 
   // ---- Blocks around what makes no difference ----
@@ -329,13 +340,14 @@ class DIFF {
     return has_members;
   }
 
+  DESCRIPTOR& m_old_descriptor;
+  DESCRIPTOR& m_new_descriptor;
   const SBD_VELDRAN& m_old;
   const SBD_VELDRAN& m_new;
-  std::vector<DEVICE_SNAPSHOT> m_old_devices;
-  std::vector<DEVICE_SNAPSHOT> m_new_devices;
   TREE_PAIRING m_pairing;
   bool m_is_strict;
   std::vector<NOTED> m_noted;
+  std::unordered_map<const NODE*, NOTED*> m_values;  // Of m_noted, those about values.
   DESCRIPTOR_DIFF m_diff;
 };
 

@@ -15,7 +15,7 @@ namespace {
 constexpr char k_nothing[] = "none";
 constexpr char k_unknown[] = "unknown";
 
-DEVICE_SNAPSHOT take_snapshot(DESCRIPTOR& descriptor, const std::string& name) {
+DEVICE_SNAPSHOT look_at_device(DESCRIPTOR& descriptor, const std::string& name) {
   DEVICE_SNAPSHOT snapshot;
   const SBD_VELDRAN& device = descriptor.document;
   const std::size_t error_count = descriptor.findings.error_count;
@@ -114,17 +114,14 @@ void compare_overlaps(std::vector<EFFECT>& effects, const MEMORY_MAP& old_map,
 
 }  // namespace
 
-std::vector<DEVICE_SNAPSHOT> take_snapshots(DESCRIPTOR& descriptor) {
+DEVICE_SNAPSHOT take_snapshot(DESCRIPTOR& descriptor, const std::string& name) {
   FINDINGS findings = std::move(descriptor.findings);
   descriptor.findings = {};
   const EXIT_CODE outcome = descriptor.outcome;
-  std::vector<DEVICE_SNAPSHOT> snapshots;
-  for (const std::string& name : list_devices(descriptor.document)) {
-    snapshots.push_back(take_snapshot(descriptor, name));
-  }
+  DEVICE_SNAPSHOT snapshot = look_at_device(descriptor, name);
   descriptor.findings = std::move(findings);
   descriptor.outcome = outcome;
-  return snapshots;
+  return snapshot;
 }
 
 const PARAMETER_VIEW* find_parameter(const DEVICE_SNAPSHOT& device, const std::string& name) {

@@ -1,4 +1,5 @@
-// All that a device comes to, kept while another one is looked at.
+// All that a device comes to, kept while another one is looked at. It takes some 50 KB, so nobody
+// keeps those of many devices.
 #ifndef TOOLS_DEVICE_SNAPSHOT_H
 #define TOOLS_DEVICE_SNAPSHOT_H
 
@@ -29,9 +30,9 @@ struct DEVICE_SNAPSHOT {
   std::unordered_map<const NODE*, std::string> stated;
 };
 
-// One for each device block, in file order. What is wrong with them is not added to the findings of
-// the descriptor.
-std::vector<DEVICE_SNAPSHOT> take_snapshots(DESCRIPTOR& descriptor);
+// Of the device block of that name. What is wrong with it is not added to the findings of the
+// descriptor.
+DEVICE_SNAPSHOT take_snapshot(DESCRIPTOR& descriptor, const std::string& name);
 
 // Null for a name that the chip does not have.
 const PARAMETER_VIEW* find_parameter(const DEVICE_SNAPSHOT& device, const std::string& name);

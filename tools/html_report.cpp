@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "sbd/sbd_api.h"
 #include "tools/clock_picture.h"
+#include "tools/device_snapshot.h"
 #include "tools/excerpt.h"
 #include "tools/html_report_parts.h"
 #include "tools/markup.h"
@@ -35,14 +37,21 @@ std::string line_of(const std::optional<SOURCE_RANGE>& place) {
 
 class REPORT {
  public:
-  REPORT(const DESCRIPTOR& descriptor, const std::vector<DEVICE_SNAPSHOT>& devices)
-      : m_descriptor(descriptor), m_devices(devices), m_file(escape_markup(descriptor.name)) {}
+  explicit REPORT(const DESCRIPTOR& descriptor)
+      : m_descriptor(descriptor), m_file(escape_markup(descriptor.name)) {}
+
+  // Devices come one after the other, as only one is held in memory.
+  void take(const DEVICE_SNAPSHOT& device) {
+    m_device_facts.push_back(describe(device));
+    add_device(device);
+  }
 
   std::string make() {
+    const std::string devices = std::exchange(m_html, {});
     begin_page();
     add_summary();
     add_findings();
-    for (const DEVICE_SNAPSHOT& device : m_devices) add_device(device);
+    m_html += devices;
     end_page();
     return std::move(m_html);
   }
@@ -85,9 +94,7 @@ class REPORT {
     add_fact("File", m_file);
     add_fact("Size", count(m_descriptor.source.size(), "byte"));
     add_fact("Findings", verdict());
-    for (const DEVICE_SNAPSHOT& device : m_devices) {
-      add_fact("Device", describe(device));
-    }
+    for (const std::string& fact : m_device_facts) add_fact("Device", fact);
     add("</table>\n</section>");
   }
 
@@ -239,16 +246,17 @@ class REPORT {
   }
 
   const DESCRIPTOR& m_descriptor;
-  const std::vector<DEVICE_SNAPSHOT>& m_devices;
   std::string m_file;
+  std::vector<std::string> m_device_facts;
   std::string m_html;
 };
 
 }  // namespace
 
-std::string make_html_report(const DESCRIPTOR& descriptor,
-                             const std::vector<DEVICE_SNAPSHOT>& devices) {
-  return REPORT(descriptor, devices).make();
+std::string make_html_report(DESCRIPTOR& descriptor, const std::vector<std::string>& devices) {
+  REPORT report(descriptor);
+  for (const std::string& name : devices) report.take(take_snapshot(descriptor, name));
+  return report.make();
 }
 
 }  // namespace sbd_tool

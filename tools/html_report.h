@@ -6,15 +6,13 @@
 #include <vector>
 
 #include "tools/descriptor.h"
-#include "tools/device_snapshot.h"
 
 namespace sbd_tool {
 
 // A page that stands alone: it loads nothing, and can be read without its script, which but
-// searches the tables. The findings are those of the descriptor; there are no devices if its format
-// is faulty.
-std::string make_html_report(const DESCRIPTOR& descriptor,
-                             const std::vector<DEVICE_SNAPSHOT>& devices);
+// searches the tables. The findings are those of the descriptor. Afterwards, the last of the
+// `devices`, which are names of device blocks, is open.
+std::string make_html_report(DESCRIPTOR& descriptor, const std::vector<std::string>& devices);
 
 }  // namespace sbd_tool
 

@@ -10,7 +10,7 @@
 
 #include "tools/commands/command.h"
 #include "tools/commands/options.h"
-#include "tools/device_snapshot.h"
+#include "tools/device_view.h"
 #include "tools/file_check.h"
 #include "tools/finding_printer.h"
 #include "tools/html_report.h"
@@ -71,15 +71,15 @@ class REPORT_COMMAND : public COMMAND {
     }
     CHECKED_FILE checked = check_descriptor(*descriptor, {});
     descriptor->findings = std::move(checked.findings);
-    std::vector<DEVICE_SNAPSHOT> devices;
-    if (checked.has_good_format) devices = take_snapshots(*descriptor);
+    std::vector<std::string> devices;
+    if (checked.has_good_format) devices = list_devices(descriptor->document);
     session.note(checked.outcome);
     write(session, *descriptor, devices, is_file);
   }
 
  private:
-  void write(SESSION& session, const DESCRIPTOR& descriptor,
-             const std::vector<DEVICE_SNAPSHOT>& devices, bool is_file) const {
+  void write(SESSION& session, DESCRIPTOR& descriptor, const std::vector<std::string>& devices,
+             bool is_file) const {
     const std::string page = make_html_report(descriptor, devices);
     if (!is_file) {
       session.out().write(page);
@@ -104,7 +104,7 @@ class REPORT_COMMAND : public COMMAND {
   }
 
   void print_json(OUTPUT& output, const DESCRIPTOR& descriptor,
-                  const std::vector<DEVICE_SNAPSHOT>& devices) const {
+                  const std::vector<std::string>& devices) const {
     JSON_WRITER json(output);
     json.begin_object(LAYOUT::LINES);
     json.key("version");
@@ -119,7 +119,7 @@ class REPORT_COMMAND : public COMMAND {
     json.count(descriptor.findings.warning_count);
     json.key("devices");
     json.begin_array(LAYOUT::ONE_LINE);
-    for (const DEVICE_SNAPSHOT& device : devices) json.text(device.name);
+    for (const std::string& device : devices) json.text(device);
     json.end();
     json.end();
     json.finish();
