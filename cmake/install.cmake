@@ -74,16 +74,12 @@ if(SBD_BUILD_TOOL)
   install(TARGETS sbd_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 
   # Debian wants manual pages compressed; elsewhere nobody minds them as they are.
-  set(manual_pages ${SBD_MANUAL_FOLDER}/)
-  set(format_pages ${PROJECT_SOURCE_DIR}/docs/man/)
+  set(manual ${SBD_MANUAL_FOLDER})
   if(SBD_PACKAGE)
-    set(manual_pages ${SBD_MANUAL_FOLDER}/compressed/)
-    set(format_pages ${manual_pages})
+    set(manual ${SBD_MANUAL_FOLDER}/compressed)
   endif()
-  install(DIRECTORY ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools
-          FILES_MATCHING REGEX "[.]1([.]gz)?$" PATTERN compressed EXCLUDE)
-  install(DIRECTORY ${format_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools
-          FILES_MATCHING REGEX "[.]5([.]gz)?$")
+  install(DIRECTORY ${manual}/man1 ${manual}/man5 DESTINATION ${CMAKE_INSTALL_MANDIR}
+          COMPONENT tools)
 
   # Completion of the command line, where each shell looks for it. Under /usr, Debian's zsh looks
   # in a folder of its own.
