@@ -124,15 +124,22 @@ COMPLETION give_devices(const VALUE_QUESTION& question) {
   return completion;
 }
 
-// Members of the block that the last name on the line is in: by their own names, as nobody has to
-// type more.
+// The NAME that the command is about; empty where it is not given yet.
+std::string find_name(const VALUE_QUESTION& question) {
+  const auto& arguments = question.command->positionals;
+  for (std::size_t i = 0; i != arguments.size() && i != question.positionals.size(); ++i) {
+    if (arguments[i].name() == "NAME") return question.positionals[i];
+  }
+  return {};
+}
+
+// Members of the block that the name is in: by their own names, as nobody has to type more.
 COMPLETION give_siblings(const VALUE_QUESTION& question) {
   COMPLETION completion;
   const auto descriptor = read_file(question);
-  const std::size_t name_index = question.command->positionals.size() - 1;
-  if (descriptor == nullptr || question.positionals.size() <= name_index) return completion;
+  if (descriptor == nullptr) return completion;
   const SBD_FILE_PARSER& document = descriptor->document;
-  const NODE* const block = find_block(document, outer_of(question.positionals[name_index]));
+  const NODE* const block = find_block(document, outer_of(find_name(question)));
   const NODE* node = block != nullptr ? block->block->members : nullptr;
   for (; node != nullptr; node = node->next) {
     if (node->type == NODE::NT_COMMENT) continue;

@@ -43,6 +43,8 @@ CASES = [
     ("sbd expl\tsdram.data_w\t\n", r"^sdram\.data_width\s+chips"),
     ("sbd li\tboa\t\n", r"^board\s+board\.main\s+board\.sram\[0\]\s"),
     ("sbd get odd\\ na\tbo\tma\twid\t\n", r"^32\s"),
+    ("sbd get ~/in\tboa\tboard.main.wid\t\n", r"^32\s"),
+    ("sbd get ./inner/board.sbd --as num\tboard.main.wid\t\n", r"^32\s"),
     ("sbd get board.sbd BOARD.MAIN.WID\t\n", r"^32\s"),
     ("sbd get --a\traw board.sbd board.sr\tsi\t\n", r"^64K\s"),
     ("sbd check --format=sar\tboard.sbd\n", r"sarif-schema-2\.1\.0"),
@@ -59,6 +61,8 @@ SECONDS = 60
 
 def make_folder(folder):
     (folder / "board.sbd").write_text(BOARD)
+    (folder / "inner").mkdir()
+    (folder / "inner" / "board.sbd").write_text(BOARD)
     (folder / "board.txt").write_text("not a descriptor\n")
     (folder / "odd name.sbd").write_text(BOARD)
     (folder / "faulty.sbd").write_text("device board {\n")

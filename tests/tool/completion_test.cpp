@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -209,6 +210,11 @@ TEST_F(COMPLETION_TEST, DescriptionsTellTypeAndValue) {
 TEST_F(COMPLETION_TEST, SiblingsOfTheNameOnTheLine) {
   EXPECT_THAT(texts({"set", m_board, "board.stripe.sdram.x", "1", "--after", ""}),
               ElementsAre("enabled", "type"));
+  EXPECT_THAT(texts({"ref", "--before", "", m_board}), IsEmpty());
+  EXPECT_THAT(texts({"ref", m_board, "spare.r", "board.title", "--before", "f"}),
+              ElementsAre("family"));
+  EXPECT_THAT(texts({"block", "add", m_board, "module", "spare.m", "--after", "t"}),
+              ElementsAre("type"));
   EXPECT_THAT(texts({"set", m_board, "--after", ""}), IsEmpty());
 }
 
@@ -256,6 +262,33 @@ TEST_F(COMPLETION_TEST, PatternsAreParametersOfTheChip) {
   // Of all chips where the file tells none.
   EXPECT_THAT(texts({"params", "missing.sbd", "clocks.pll_ahb_b"}),
               ElementsAre("clocks.pll_ahb_bypass"));
+}
+
+// ---- Whatever is typed -------------------------------------------------------------------------
+
+TEST_F(COMPLETION_TEST, AnyLineGivesCandidatesThatGoOnWithItsLastWord) {
+  const std::vector<std::string> vocabulary = {
+      "check",       "show",    "get",      "list",      "params",   "clocks",
+      "diff",        "new",     "explain",  "set",       "ref",      "attr",
+      "block",       "add",     "remove",   "rename",    "edit",     m_board,
+      "-",           "--",      "--device", "--format=", "--want",   "--with",
+      "sdram,",      "--after", "--set",    "-o",        "-nv",      "-x",
+      "--=",         "=",       "",         "board",     "board.",   "board.Stripe.clocks.",
+      "board.title", ".",       "..",       "spare.x",   "\xff\xfe", "a b",
+      "\n"};
+  std::mt19937 random(1);
+  for (int i = 0; i != 5000; ++i) {
+    std::vector<std::string> words;
+    for (std::size_t count = random() % 7; count != 0; --count) {
+      words.push_back(vocabulary[random() % vocabulary.size()]);
+    }
+    const std::string last = words.empty() ? "" : words.back();
+    for (const sbd_tool::CANDIDATE& candidate : ask(words).candidates) {
+      EXPECT_TRUE(sbd_tool::begins_with(candidate.text, last)) << candidate.text;
+      EXPECT_EQ(candidate.text.find_first_of("\t\n"), std::string::npos) << candidate.text;
+      EXPECT_EQ(candidate.description.find_first_of("\t\n"), std::string::npos);
+    }
+  }
 }
 
 // ---- Silence -----------------------------------------------------------------------------------

@@ -50,9 +50,11 @@ _sbd() {
   fi
   [ "$files" = none ] && return
   compopt -o filenames
-  local filter=()
-  [ "$files" = descriptors ] && filter=(-X '!*.sbd')
-  mapfile -t COMPREPLY < <(compgen -d -- "$current" && true; compgen -f "${filter[@]}" -- "$current")
+  if [ "$files" = descriptors ]; then
+    mapfile -t COMPREPLY < <(compgen -d -- "$current"; compgen -f -X '!*.sbd' -- "$current")
+  else
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
 }
 
 complete -F _sbd sbd
