@@ -31,9 +31,7 @@ DEVICE_SNAPSHOT look_at_device(DESCRIPTOR& descriptor, const std::string& name) 
   snapshot.widths = derive_widths(device);
   snapshot.map = make_memory_map(device);
   for (const PARAMETER_VIEW& parameter : snapshot.parameters) {
-    SBD_PARAMETER_STATE state;
-    if (!sbd_get_parameter_state(device, parameter.name.c_str(), state)) continue;
-    if (state.statement != nullptr) snapshot.stated[state.statement] = parameter.name;
+    if (parameter.statement != nullptr) snapshot.stated[parameter.statement] = parameter.name;
   }
   return snapshot;
 }

@@ -187,6 +187,7 @@ PARAMETER_VIEW view_parameter(const SBD_VELDRAN& device, const std::string& name
   view.origin = state.origin;
   view.is_required = state.is_required;
   view.fault = find_fault(device, rule.reference);
+  view.statement = state.statement;
   if (state.statement != nullptr) {
     view.place = place_of(device, state.statement);
     view.written = make_written(device, *state.statement);

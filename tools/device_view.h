@@ -50,6 +50,7 @@ struct PARAMETER_VIEW {
   PARAMETER_VALUE value{false, false, false};  // Of the parameter's type in any case.
   std::string text;                            // The value; empty when there is none.
   SBD_PARAMETER_ORIGIN origin = PO_NONE;
+  const NODE* statement = nullptr;    // Null where nothing states it.
   std::optional<SOURCE_RANGE> place;  // Of its statement.
   std::string written;                // What its statement says, on one line.
   bool is_required = false;

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "sbd/sbd_veldran_keywords.h"
-#include "tools/names.h"
 #include "tools/notation.h"
 #include "tools/parameter_kind.h"
 
@@ -27,20 +28,29 @@ std::string in_block(const std::string& block, const char* parameter) {
   return block + "." + parameter;
 }
 
-// The blocks of the chip that have an address base, in the order of the rules.
-std::vector<std::string> list_window_blocks(const SBD_VELDRAN& device) {
+std::vector<std::string> find_window_blocks(SBD_VELDRAN::CHIP_TYPE chip) {
   std::vector<std::string> blocks;
   SBD_STRING_LIST names;
-  sbd_get_parameter_names(device.get_chip_type(), names);
+  sbd_get_parameter_names(chip, names);
   for (const SBD_STRING& name : names) {
     SBD_PARAMETER_RULE rule;
-    if (!sbd_get_parameter_rule(device.get_chip_type(), name.c_str(), rule)) continue;
+    if (!sbd_get_parameter_rule(chip, name.c_str(), rule)) continue;
     const std::string_view parameter = rule.parameter_name;
     if (rule.block_name != nullptr && parameter == SBD_VEL_ADDRESS_BASE) {
       blocks.emplace_back(rule.block_name);
     }
   }
   return blocks;
+}
+
+// The blocks of the chip that have an address base, in the order of the rules.
+const std::vector<std::string>& list_window_blocks(SBD_VELDRAN::CHIP_TYPE chip) {
+  static std::mutex mutex;
+  static std::map<SBD_VELDRAN::CHIP_TYPE, std::vector<std::string>> blocks;
+  const std::lock_guard<std::mutex> lock(mutex);
+  const auto found = blocks.find(chip);
+  return found != blocks.end() ? found->second
+                               : blocks.emplace(chip, find_window_blocks(chip)).first->second;
 }
 
 // Of "ebi.region[0]", "ebi.enabled"; a view without name if the block is in no controller that can
@@ -52,21 +62,15 @@ PARAMETER_VIEW view_controller(const SBD_VELDRAN& device, const std::string& blo
 }
 
 // A device takes 32 bits of a whole number, which may not be what the file seems to say.
-void note_cut_number(const SBD_VELDRAN& device, const PARAMETER_VIEW& parameter,
-                     MEMORY_WINDOW& window) {
-  SBD_PARAMETER_STATE state;
-  if (!has_value(parameter)) return;
-  if (!sbd_get_parameter_state(device, parameter.name.c_str(), state)) return;
-  if (state.statement == nullptr) return;
-  const STATEMENT& statement = *state.statement->statement;
+void note_cut_number(const PARAMETER_VIEW& parameter, MEMORY_WINDOW& window) {
+  if (!has_value(parameter) || parameter.statement == nullptr) return;
+  const STATEMENT& statement = *parameter.statement->statement;
   if (statement.type != STATEMENT::ST_ASSIGNMENT || !is_number(*statement.value)) return;
-  const std::string stated = get_scaled_number(*statement.value);
-  if (stated == parameter.text) return;
-  window.remarks.push_back(
-      fmt::format("{} counts as {}, not {}", parameter.name, parameter.text, stated));
-  double number = 0;
-  device.get_value(full_name(device, *state.statement).c_str(), number);
-  const bool does_fit = number >= 0 && number < static_cast<double>(k_address_space);
+  const double stated = get_scaled_value(*statement.value);
+  if (stated == static_cast<double>(parameter.value.m_dword_value)) return;
+  window.remarks.push_back(fmt::format("{} counts as {}, not {}", parameter.name, parameter.text,
+                                       get_scaled_number(*statement.value)));
+  const bool does_fit = stated >= 0 && stated < static_cast<double>(k_address_space);
   if (!does_fit) window.misfits.push_back({parameter.place, window.remarks.back()});
 }
 
@@ -78,8 +82,8 @@ MEMORY_WINDOW view_window(const SBD_VELDRAN& device, const std::string& block) {
   window.enabled = view_parameter(device, in_block(block, SBD_VEL_ENABLED));
   window.prefetch = view_parameter(device, in_block(block, SBD_VEL_PREFETCH));
 
-  note_cut_number(device, window.base, window);
-  note_cut_number(device, window.size, window);
+  note_cut_number(window.base, window);
+  note_cut_number(window.size, window);
   const PARAMETER_VIEW controller = view_controller(device, block);
   const bool is_served = controller.name.empty() || is_true(controller);
   window.is_in_use = is_true(window.enabled) && is_served;
@@ -128,7 +132,7 @@ std::vector<MEMORY_HOLE> find_holes(const std::vector<MEMORY_WINDOW>& windows) {
 
 MEMORY_MAP make_memory_map(const SBD_VELDRAN& device) {
   MEMORY_MAP map;
-  for (const std::string& block : list_window_blocks(device)) {
+  for (const std::string& block : list_window_blocks(device.get_chip_type())) {
     MEMORY_WINDOW window = view_window(device, block);
     place(window);
     (window.is_placed ? map.placed : map.others).push_back(std::move(window));

@@ -103,9 +103,12 @@ std::string get_notation(const SBD_FILE_PARSER& document, const VALUE& value) {
   }
 }
 
+double get_scaled_value(const VALUE& value) {
+  return value.number * static_cast<double>(SBD_FILE_PARSER::get_unit_value(value.unit));
+}
+
 std::string get_scaled_number(const VALUE& value) {
-  const auto multiplier = static_cast<double>(SBD_FILE_PARSER::get_unit_value(value.unit));
-  return write_number(value, value.number * multiplier);
+  return write_number(value, get_scaled_value(value));
 }
 
 std::string get_unscaled_number(const VALUE& value) {

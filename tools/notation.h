@@ -21,8 +21,10 @@ std::string_view unit_text(VALUE::QUANTITY_UNIT unit);
 // anew. A list comes on one line, "{1, 2}".
 std::string get_notation(const SBD_FILE_PARSER& document, const VALUE& value);
 
-// A number times its unit: integers without exponent, others with as many digits as it takes to
-// read the same number again.
+// A number times its unit.
+double get_scaled_value(const VALUE& value);
+// The same as text: integers without exponent, others with as many digits as it takes to read the
+// same number again.
 std::string get_scaled_number(const VALUE& value);
 // The same number before its unit is applied.
 std::string get_unscaled_number(const VALUE& value);
