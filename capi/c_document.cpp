@@ -20,6 +20,7 @@ constexpr int k_file_error = 1;
 
 template <class READ>
 sbdc_status read_into(sbdc_document* document, bool is_from_file, READ&& read) noexcept {
+  ++document->change_count;
   return guarded([&] {
     document->findings.clear();
     const RECORDER recorder(document->findings, &document->tree(), nullptr);

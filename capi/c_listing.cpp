@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+#include <utility>
 
 #include "capi/c_document.h"
 #include "capi/c_listing_builder.h"
 
 using sbd_c::FINDINGS;
 using sbd_c::guarded;
+using sbd_c::LISTING_BUILDER;
 using sbd_c::RECORDER;
 using NODE = SBD_FILE_PARSER::SBD_NODE;
 
@@ -33,17 +36,23 @@ const char* TEXT_ARENA::copy(std::string_view text) {
 
 }  // namespace sbd_c
 
+struct sbdc_walk {
+  const sbdc_document* document;
+  std::size_t change_count;  // Of the document, when the walk began.
+  LISTING_BUILDER builder;
+};
+
 namespace {
 
 constexpr unsigned k_all_kinds = SBDC_BLOCK | SBDC_PARAMETER | SBDC_REFERENCE_STATEMENT;
+constexpr std::size_t k_usual_part = 512;  // Items that a part of a walk has room for at once.
 
-}  // namespace
-
-sbdc_status sbdc_list(const sbdc_document* document, const char* scope, unsigned kinds,
-                      sbdc_listing** listing) {
-  if (document == nullptr || listing == nullptr) return SBDC_MISUSE;
-  if (kinds == 0 || (kinds & ~k_all_kinds) != 0) return SBDC_MISUSE;
-  return guarded([=] {
+// Calls `use` with a builder that stands before what is of the `kinds` below the block `scope`.
+template <class USE>
+sbdc_status with_start(const sbdc_document* document, const char* scope, unsigned kinds,
+                       USE&& use) noexcept {
+  if (document == nullptr || kinds == 0 || (kinds & ~k_all_kinds) != 0) return SBDC_MISUSE;
+  return guarded([&] {
     FINDINGS findings;
     const RECORDER recorder(findings, nullptr, nullptr);
     const SBD_FILE_PARSER& tree = document->tree();
@@ -51,15 +60,30 @@ sbdc_status sbdc_list(const sbdc_document* document, const char* scope, unsigned
     const NODE* const block = has_scope ? tree.get_ref_object(scope, nullptr) : nullptr;
     if (has_scope && block == nullptr) return SBDC_NOT_FOUND;
     if (has_scope && block->type != NODE::NT_BLOCK) return SBDC_WRONG_KIND;
-
-    auto made = std::make_unique<sbdc_listing>();
-    sbd_c::LISTING_BUILDER builder(tree, kinds, *made);
-    builder.add_below(block);
-    builder.finish();
-    const sbdc_status status = recorder.judge(SBDC_OK);
-    if (status == SBDC_OK) *listing = made.release();
-    return status;
+    LISTING_BUILDER builder(tree, kinds);
+    builder.start_below(block);
+    return use(builder, recorder);
   });
+}
+
+}  // namespace
+
+// ---- Whole listings ----------------------------------------------------------------------------
+
+sbdc_status sbdc_list(const sbdc_document* document, const char* scope, unsigned kinds,
+                      sbdc_listing** listing) {
+  if (listing == nullptr) return SBDC_MISUSE;
+  return with_start(document, scope, kinds,
+                    [=](LISTING_BUILDER& builder, const RECORDER& recorder) {
+                      auto made = std::make_unique<sbdc_listing>();
+                      // Room for all of them at once: moving so many records costs more than
+                      // counting them.
+                      made->items.reserve(builder.count());
+                      builder.fill(*made, std::numeric_limits<std::size_t>::max());
+                      const sbdc_status status = recorder.judge(SBDC_OK);
+                      if (status == SBDC_OK) *listing = made.release();
+                      return status;
+                    });
 }
 
 sbdc_status sbdc_find(const sbdc_document* document, const char* name, sbdc_listing** listing) {
@@ -72,14 +96,50 @@ sbdc_status sbdc_find(const sbdc_document* document, const char* name, sbdc_list
     if (node == nullptr) return SBDC_NOT_FOUND;
 
     auto made = std::make_unique<sbdc_listing>();
-    sbd_c::LISTING_BUILDER builder(tree, k_all_kinds, *made);
-    builder.add_alone(node);
-    builder.finish();
+    LISTING_BUILDER(tree, k_all_kinds).fill_with(node, *made);
     const sbdc_status status = recorder.judge(SBDC_OK);
     if (status == SBDC_OK) *listing = made.release();
     return status;
   });
 }
+
+// ---- Walks -------------------------------------------------------------------------------------
+
+sbdc_status sbdc_walk_new(const sbdc_document* document, const char* scope, unsigned kinds,
+                          sbdc_walk** walk) {
+  if (walk == nullptr) return SBDC_MISUSE;
+  return with_start(document, scope, kinds,
+                    [=](LISTING_BUILDER& builder, const RECORDER& recorder) {
+                      const sbdc_status status = recorder.judge(SBDC_OK);
+                      if (status == SBDC_OK) {
+                        *walk = new sbdc_walk{document, document->change_count, std::move(builder)};
+                      }
+                      return status;
+                    });
+}
+
+void sbdc_walk_free(sbdc_walk* walk) {
+  delete walk;
+}
+
+sbdc_status sbdc_walk_next(sbdc_walk* walk, size_t most, sbdc_listing** listing) {
+  if (walk == nullptr || listing == nullptr || most == 0) return SBDC_MISUSE;
+  if (walk->document->change_count != walk->change_count) return SBDC_MISUSE;
+  return guarded([=] {
+    FINDINGS findings;
+    const RECORDER recorder(findings, nullptr, nullptr);
+    auto made = std::make_unique<sbdc_listing>();
+    made->items.reserve(std::min(most, k_usual_part));
+    walk->builder.fill(*made, most);
+    const sbdc_status status = recorder.judge(SBDC_OK);
+    if (status != SBDC_OK) return status;
+    if (made->items.empty()) return SBDC_NOT_FOUND;
+    *listing = made.release();
+    return SBDC_OK;
+  });
+}
+
+// ---- Listings ----------------------------------------------------------------------------------
 
 void sbdc_listing_free(sbdc_listing* listing) {
   delete listing;

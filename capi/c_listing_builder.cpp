@@ -22,7 +22,7 @@ static_assert(SBDC_NO_UNIT == int{VALUE::QU_NONE} && SBDC_K == int{VALUE::QU_KB}
               SBDC_M == int{VALUE::QU_MB} && SBDC_G == int{VALUE::QU_GB} &&
               SBDC_HZ == int{VALUE::QU_HZ} && SBDC_MHZ == int{VALUE::QU_MHZ});
 
-const char* declared_name(const NODE* node) {
+std::string_view declared_name(const NODE* node) {
   const auto* const symbol =
       node->type == NODE::NT_BLOCK ? node->block->name : node->statement->name;
   return symbol != nullptr && symbol->name != nullptr ? symbol->name : "";
@@ -34,6 +34,11 @@ sbdc_item_kind kind_of(const NODE* node) {
                                                            : SBDC_REFERENCE_STATEMENT;
 }
 
+// Own names have no ".".
+std::size_t dots_in(std::string_view name) {
+  return static_cast<std::size_t>(std::count(name.begin(), name.end(), '.'));
+}
+
 std::string_view written_text(const VALUE& value) {
   return value.text != nullptr ? value.text : "";
 }
@@ -43,27 +48,10 @@ bool is_quoted(const VALUE& value) {
   return text.size() >= 2 && text.front() == '"' && text.back() == '"';
 }
 
-sbdc_value empty_value(sbdc_value_kind kind) {
-  return {kind, SBDC_NO_UNIT, 0, 0, "", "", 0, 0, {}};
-}
-
-// Calls `visit` for each block and statement of the list `first` and below, with the number of
-// blocks around it that were gone into. Blocks nest as deep as the file likes: the way back is kept
-// here, not on the stack.
-template <class VISIT>
-void for_each_node(const NODE* first, VISIT&& visit) {
-  std::vector<const NODE*> next_of_level{first};
-  while (!next_of_level.empty()) {
-    const NODE* const node = next_of_level.back();
-    if (node == nullptr) {
-      next_of_level.pop_back();
-      continue;
-    }
-    next_of_level.back() = node->next;
-    if (node->type == NODE::NT_COMMENT) continue;
-    visit(node, next_of_level.size() - 1);
-    if (node->type == NODE::NT_BLOCK) next_of_level.push_back(node->block->members);
-  }
+void set_empty(sbdc_value& value, sbdc_value_kind kind) {
+  value.kind = kind;
+  value.text = "";
+  value.target = "";
 }
 
 }  // namespace
@@ -79,101 +67,132 @@ std::string_view unquoted_text(const VALUE& value) {
 
 // ---- The tree ----------------------------------------------------------------------------------
 
-void LISTING_BUILDER::add_below(const NODE* block) {
-  if (block != nullptr) set_path(block);
-  const std::size_t outer_depth = block != nullptr ? depth_of_path() + 1 : 0;
+void LISTING_BUILDER::start_below(const NODE* block) {
+  m_prefix.clear();
+  m_outer_depth = 0;
+  if (block != nullptr) {
+    m_prefix = full_name(block) + '.';
+    m_outer_depth = dots_in(m_prefix);
+  }
   const NODE* const first =
       block != nullptr ? block->block->members : m_document.get_parser_para().root;
+  m_levels.assign(1, {first, m_prefix.size()});
+}
 
-  // Room for all of them at once: moving so many records costs more than counting them.
+std::size_t LISTING_BUILDER::count() const {
+  LISTING_BUILDER ahead(m_document, m_kinds);
+  ahead.m_levels = m_levels;
   std::size_t count = 0;
-  for_each_node(first, [this, &count](const NODE* node, std::size_t) {
+  while (const NODE* const node = ahead.step()) {
     count += (m_kinds & kind_of(node)) != 0 ? 1 : 0;
-  });
-  m_listing.items.reserve(count);
-
-  std::vector<std::size_t> path_lengths{m_path.size()};  // In front of the names of each level.
-  for_each_node(first, [&](const NODE* node, std::size_t level) {
-    path_lengths.resize(level + 1, m_path.size());
-    m_path.resize(path_lengths[level]);
-    if (!m_path.empty()) m_path += '.';
-    m_path += declared_name(node);
-    add_item(node, outer_depth + level);
-  });
+    if (node->type == NODE::NT_BLOCK) ahead.m_levels.push_back({node->block->members, 0});
+  }
+  return count;
 }
 
-void LISTING_BUILDER::add_alone(const NODE* node) {
-  set_path(node);
-  add_item(node, depth_of_path());
+void LISTING_BUILDER::fill(sbdc_listing& listing, std::size_t most) {
+  m_listing = &listing;
+  m_last_type = "";
+  while (listing.items.size() < most) {
+    const NODE* const node = step();
+    if (node == nullptr) break;
+    m_prefix.resize(m_levels.back().prefix_length);
+    const std::string_view own_name = declared_name(node);
+    add(node, own_name, m_outer_depth + m_levels.size() - 1);
+    if (node->type != NODE::NT_BLOCK) continue;
+    m_prefix += own_name;
+    m_prefix += '.';
+    m_levels.push_back({node->block->members, m_prefix.size()});
+  }
+  set_names();
 }
 
-void LISTING_BUILDER::finish() {
-  const char* name = m_listing.names.data();
-  for (sbdc_item& item : m_listing.items) {
+void LISTING_BUILDER::fill_with(const NODE* node, sbdc_listing& listing) {
+  m_listing = &listing;
+  m_prefix = full_name(node);
+  const std::size_t depth = dots_in(m_prefix);
+  const std::string_view own_name = declared_name(node);
+  m_prefix.resize(m_prefix.size() - own_name.size());
+  add(node, own_name, depth);
+  set_names();
+}
+
+// The next block or statement. Blocks nest as deep as the file likes: the way back is kept in the
+// levels, not on the stack; the caller adds one to go into a block.
+const SBD_FILE_PARSER::SBD_NODE* LISTING_BUILDER::step() {
+  while (!m_levels.empty()) {
+    const NODE* const node = m_levels.back().next;
+    if (node == nullptr) {
+      m_levels.pop_back();
+      continue;
+    }
+    m_levels.back().next = node->next;
+    if (node->type != NODE::NT_COMMENT) return node;
+  }
+  return nullptr;
+}
+
+std::string LISTING_BUILDER::full_name(const NODE* node) const {
+  SBD_STRING name;
+  m_document.get_ref_name(node, name);
+  return name.c_str();
+}
+
+void LISTING_BUILDER::add(const NODE* node, std::string_view own_name, std::size_t depth) {
+  const sbdc_item_kind kind = kind_of(node);
+  if ((m_kinds & kind) == 0) return;
+
+  m_listing->names.append(m_prefix).append(own_name) += '\0';
+  m_listing->items.emplace_back();
+  sbdc_item& item = m_listing->items.back();
+  item.kind = kind;
+  item.type = "";
+  item.depth = static_cast<std::uint32_t>(depth);
+  item.position = position_of(node);
+  item.name_position = name_position_of(node, own_name, item.position);
+  switch (kind) {
+    case SBDC_BLOCK:
+      item.type = keep_type(node->block->type);
+      set_empty(item.value, SBDC_NO_VALUE);
+      break;
+    case SBDC_PARAMETER:
+      put_value(*node->statement->value, item.value);
+      add_attributes(node->statement->attributes, item);
+      break;
+    case SBDC_REFERENCE_STATEMENT:
+      put_references(node->statement->reference, item.value);
+      break;
+  }
+}
+
+// The names have come to rest.
+void LISTING_BUILDER::set_names() {
+  const char* name = m_listing->names.data();
+  for (sbdc_item& item : m_listing->items) {
     item.name = name;
     name += std::strlen(name) + 1;
   }
 }
 
-void LISTING_BUILDER::set_path(const NODE* node) {
-  SBD_STRING name;
-  m_document.get_ref_name(node, name);
-  m_path = name;
-}
-
-// Own names have no ".".
-std::size_t LISTING_BUILDER::depth_of_path() const {
-  return static_cast<std::size_t>(std::count(m_path.begin(), m_path.end(), '.'));
-}
-
-void LISTING_BUILDER::add_item(const NODE* node, std::size_t depth) {
-  const sbdc_item_kind kind = kind_of(node);
-  if ((m_kinds & kind) == 0) return;
-
-  sbdc_item item{};
-  item.kind = kind;
-  item.type = "";
-  item.depth = static_cast<std::uint32_t>(depth);
-  item.position = position_of(node);
-  item.name_position = name_position_of(node, item.position);
-  switch (kind) {
-    case SBDC_BLOCK:
-      item.type = keep_type(node->block->type);
-      item.value = empty_value(SBDC_NO_VALUE);
-      break;
-    case SBDC_PARAMETER:
-      item.value = make_value(*node->statement->value);
-      add_attributes(node->statement->attributes, item);
-      break;
-    case SBDC_REFERENCE_STATEMENT:
-      item.value = make_references(node->statement->reference);
-      break;
-  }
-  m_listing.items.push_back(item);
-  m_listing.names.append(m_path.c_str(), m_path.size() + 1);
-}
-
 // A statement begins with its name.
-sbdc_position LISTING_BUILDER::name_position_of(const NODE* node,
+sbdc_position LISTING_BUILDER::name_position_of(const NODE* node, std::string_view own_name,
                                                 const sbdc_position& position) const {
-  sbdc_position name_position = position;
-  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
   if (node->type == NODE::NT_BLOCK) {
+    SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
     return m_document.get_name_range(node, range) ? to_position(range) : sbdc_position{};
   }
-  if (position.line != 0) {
-    name_position.length = static_cast<std::uint32_t>(std::strlen(declared_name(node)));
-  }
+  sbdc_position name_position = position;
+  if (position.line != 0) name_position.length = static_cast<std::uint32_t>(own_name.size());
   return name_position;
 }
 
 void LISTING_BUILDER::add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item) {
-  item.first_attribute = static_cast<std::uint32_t>(m_listing.attributes.size());
+  item.first_attribute = static_cast<std::uint32_t>(m_listing->attributes.size());
   for (const auto* attribute = first; attribute != nullptr; attribute = attribute->next) {
     const char* const value =
-        attribute->attr_value != nullptr ? m_listing.texts.copy(attribute->attr_value) : nullptr;
-    m_listing.attributes.push_back(
-        {m_listing.texts.copy(attribute->attr_key), value, position_of(attribute)});
+        attribute->attr_value != nullptr ? m_listing->texts.copy(attribute->attr_value) : nullptr;
+    m_listing->attributes.push_back(
+        {m_listing->texts.copy(attribute->attr_key), value, position_of(attribute)});
     ++item.attribute_count;
   }
 }
@@ -181,21 +200,20 @@ void LISTING_BUILDER::add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first
 // Most files use one keyword over and over.
 const char* LISTING_BUILDER::keep_type(const char* type) {
   if (type == nullptr) return "";
-  if (m_last_type != type) m_last_type = m_listing.texts.copy(type);
-  return m_last_type.empty() ? "" : m_last_type.data();
+  if (std::strcmp(m_last_type, type) != 0) m_last_type = m_listing->texts.copy(type);
+  return m_last_type;
 }
 
 // ---- Values ------------------------------------------------------------------------------------
 
-sbdc_value LISTING_BUILDER::make_value(const VALUE& value) {
-  sbdc_value made = make_single(value);
+void LISTING_BUILDER::put_value(const VALUE& value, sbdc_value& made) {
+  put_single(value, made);
   if (value.type == VALUE::VT_LIST) add_elements(value, made);
-  return made;
 }
 
 // A list comes without its elements.
-sbdc_value LISTING_BUILDER::make_single(const VALUE& value) {
-  sbdc_value made = empty_value(static_cast<sbdc_value_kind>(value.type));
+void LISTING_BUILDER::put_single(const VALUE& value, sbdc_value& made) {
+  set_empty(made, static_cast<sbdc_value_kind>(value.type));
   made.unit = static_cast<sbdc_unit>(value.unit);
   made.position = position_of(&value);
   if (is_number(value)) {
@@ -205,9 +223,8 @@ sbdc_value LISTING_BUILDER::make_single(const VALUE& value) {
     made.number = value.flag == 1 ? 1 : 0;
   } else if (value.type == VALUE::VT_STRING) {
     made.kind = is_quoted(value) ? SBDC_STRING : SBDC_WORD;
-    made.text = m_listing.texts.copy(unquoted_text(value));
+    made.text = m_listing->texts.copy(unquoted_text(value));
   }
-  return made;
 }
 
 // Lists nest as deep as the file likes: those that are met are noted, and opened one by one.
@@ -216,38 +233,39 @@ void LISTING_BUILDER::add_elements(const VALUE& list, sbdc_value& made) {
   open_list(list, made);
   for (std::size_t i = 0; i < m_to_open.size(); i++) {
     const OPEN_LIST open = m_to_open[i];
-    sbdc_value opened = m_listing.elements[open.element];
+    sbdc_value opened = m_listing->elements[open.element];
     open_list(*open.value, opened);
-    m_listing.elements[open.element] = opened;
+    m_listing->elements[open.element] = opened;
   }
 }
 
 void LISTING_BUILDER::open_list(const VALUE& list, sbdc_value& made) {
-  made.first_element = static_cast<std::uint32_t>(m_listing.elements.size());
+  made.first_element = static_cast<std::uint32_t>(m_listing->elements.size());
   made.element_count = static_cast<std::uint32_t>(list.list->size());
   for (const VALUE* const element : *list.list) {
-    if (element->type == VALUE::VT_LIST) m_to_open.push_back({element, m_listing.elements.size()});
-    m_listing.elements.push_back(make_single(*element));
+    if (element->type == VALUE::VT_LIST) m_to_open.push_back({element, m_listing->elements.size()});
+    m_listing->elements.emplace_back();
+    put_single(*element, m_listing->elements.back());
   }
 }
 
-sbdc_value LISTING_BUILDER::make_references(const SBD_FILE_PARSER::SBD_PARA_REF* first) {
-  sbdc_value made = empty_value(SBDC_REFERENCES);
-  made.first_element = static_cast<std::uint32_t>(m_listing.elements.size());
+void LISTING_BUILDER::put_references(const SBD_FILE_PARSER::SBD_PARA_REF* first, sbdc_value& made) {
+  set_empty(made, SBDC_REFERENCES);
+  made.first_element = static_cast<std::uint32_t>(m_listing->elements.size());
   for (const auto* reference = first; reference != nullptr; reference = reference->next) {
-    m_listing.elements.push_back(make_reference(*reference));
+    m_listing->elements.push_back(make_reference(*reference));
     ++made.element_count;
   }
-  return made;
 }
 
 sbdc_value LISTING_BUILDER::make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& reference) {
-  sbdc_value made = empty_value(SBDC_REFERENCE);
-  made.text = m_listing.texts.copy(reference.name != nullptr ? reference.name : "");
+  sbdc_value made{};
+  set_empty(made, SBDC_REFERENCE);
+  made.text = m_listing->texts.copy(reference.name != nullptr ? reference.name : "");
   made.position = position_of(&reference);
   SBD_STRING target;
   if (reference.target != nullptr && m_document.get_ref_name(reference.target, target)) {
-    made.target = m_listing.texts.copy(target);
+    made.target = m_listing->texts.copy(target);
   }
   return made;
 }

@@ -22,48 +22,62 @@ double scaled_number(const SBD_FILE_PARSER::SBD_PARA_VALUE& value);
 // The text of a string value without its quotes, if it has any.
 std::string_view unquoted_text(const SBD_FILE_PARSER::SBD_PARA_VALUE& value);
 
+// Goes through a document, or a part of it, and lists what it comes by.
 class LISTING_BUILDER {
  public:
-  // Adds to `listing`, which is empty, what is of the `kinds`: sbdc_item_kind values combined.
-  LISTING_BUILDER(const SBD_FILE_PARSER& document, unsigned kinds, sbdc_listing& listing)
-      : m_document(document), m_kinds(kinds), m_listing(listing) {}
+  using NODE = SBD_FILE_PARSER::SBD_NODE;
 
-  // Everything below the block; null stands for the document.
-  void add_below(const SBD_FILE_PARSER::SBD_NODE* block);
-  void add_alone(const SBD_FILE_PARSER::SBD_NODE* node);
+  // For what is of the `kinds`: sbdc_item_kind values combined.
+  LISTING_BUILDER(const SBD_FILE_PARSER& document, unsigned kinds)
+      : m_document(document), m_kinds(kinds) {}
 
-  // To be called behind all others.
-  void finish();
+  // To go through everything below the block; null stands for the document.
+  void start_below(const NODE* block);
+
+  // How many items there are from here on. Looks at all of them.
+  std::size_t count() const;
+
+  // Adds the next items, `most` at most, to a listing that is empty.
+  void fill(sbdc_listing& listing, std::size_t most);
+  // Adds just that one to a listing that is empty.
+  void fill_with(const NODE* node, sbdc_listing& listing);
 
  private:
-  using NODE = SBD_FILE_PARSER::SBD_NODE;
   using VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+  struct LEVEL {
+    const NODE* next;
+    std::size_t prefix_length;  // Of the names on this level: "board.stripe.".
+  };
   struct OPEN_LIST {
     const VALUE* value;
     std::size_t element;  // Its place in the listing.
   };
 
-  void set_path(const NODE* node);
-  std::size_t depth_of_path() const;
-  void add_item(const NODE* node, std::size_t depth);
-  sbdc_position name_position_of(const NODE* node, const sbdc_position& position) const;
+  const NODE* step();
+  std::string full_name(const NODE* node) const;
+  void add(const NODE* node, std::string_view own_name, std::size_t depth);
+  sbdc_position name_position_of(const NODE* node, std::string_view own_name,
+                                 const sbdc_position& position) const;
   void add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item);
-  sbdc_value make_value(const VALUE& value);
-  sbdc_value make_single(const VALUE& value);
-  sbdc_value make_references(const SBD_FILE_PARSER::SBD_PARA_REF* first);
+  void put_value(const VALUE& value, sbdc_value& made);
+  void put_single(const VALUE& value, sbdc_value& made);
+  void put_references(const SBD_FILE_PARSER::SBD_PARA_REF* first, sbdc_value& made);
   sbdc_value make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& reference);
   void add_elements(const VALUE& list, sbdc_value& made);
   void open_list(const VALUE& list, sbdc_value& made);
   const char* keep_type(const char* type);
+  void set_names();
   template <class RECORD>
   sbdc_position position_of(const RECORD* record) const;
 
   const SBD_FILE_PARSER& m_document;
   unsigned m_kinds;
-  sbdc_listing& m_listing;
-  std::string m_path;                // The full name of the node that is visited.
-  std::vector<OPEN_LIST> m_to_open;  // Lists whose elements are still to be added.
-  std::string_view m_last_type;      // As kept in the listing.
+  std::vector<LEVEL> m_levels;    // From the place where it began to where it is; empty at the end.
+  std::size_t m_outer_depth = 0;  // Of the first level.
+  std::string m_prefix;           // Of the names on the last level.
+  sbdc_listing* m_listing = nullptr;  // That is being filled.
+  std::vector<OPEN_LIST> m_to_open;   // Lists whose elements are still to be added.
+  const char* m_last_type = "";       // As kept in the listing.
 };
 
 }  // namespace sbd_c

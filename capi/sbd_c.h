@@ -235,6 +235,22 @@ typedef struct sbdc_listing_view {
 } sbdc_listing_view;
 SBDC_API sbdc_status sbdc_listing_get_view(const sbdc_listing* listing, sbdc_listing_view* view);
 
+/* A way through what sbdc_list would give, in parts: a large document need not be listed as a whole.
+ * It ends with the next function with the document that is not const, or when the document is
+ * freed: sbdc_walk_next gives SBDC_MISUSE in the one case, and must not be called in the other. The
+ * listings that it gave stay, as listings do. */
+typedef struct sbdc_walk sbdc_walk;
+
+/* A walk from the begin on; the caller frees it. */
+SBDC_API sbdc_status sbdc_walk_new(const sbdc_document* document, const char* scope, unsigned kinds,
+                                   sbdc_walk** walk);
+SBDC_API void sbdc_walk_free(sbdc_walk* walk);
+
+/* The next items, `most` of them or all that are left, as a listing of their own, which the caller
+ * frees. SBDC_NOT_FOUND when none are left, and SBDC_MISUSE for a `most` of 0. A walk that has
+ * failed may leave items out. */
+SBDC_API sbdc_status sbdc_walk_next(sbdc_walk* walk, size_t most, sbdc_listing** listing);
+
 /* ---- Edits --------------------------------------------------------------------------------- */
 
 /* Edits change what they are about, and leave every other byte of the text as it was typed. A

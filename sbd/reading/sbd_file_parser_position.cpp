@@ -35,11 +35,12 @@ std::size_t skip_item(std::string_view text, std::size_t at) {
 
 // Behind the ";" of the statement that begins at `at`.
 std::size_t skip_statement(std::string_view text, std::size_t at) {
-  for (; at < text.size(); ++at) {
-    if (text[at] == ';') return at + 1;
-    if (text[at] == '"') at = skip_string(text, at) - 1;
+  for (;;) {
+    const std::size_t semicolon = std::min(text.find(';', at), text.size());
+    const std::size_t quote = text.substr(0, semicolon).find('"', at);
+    if (quote == std::string_view::npos) return std::min(semicolon + 1, text.size());
+    at = skip_string(text, quote);
   }
-  return at;
 }
 
 }  // namespace
