@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "capi/c_document.h"
@@ -17,21 +18,44 @@ using NODE = SBD_FILE_PARSER::SBD_NODE;
 namespace sbd_c {
 
 const char* TEXT_ARENA::copy(std::string_view text) {
-  constexpr std::size_t k_chunk = 16384;
   if (text.empty()) return "";
   const std::size_t size = text.size() + 1;
-  if (size > m_free_size) {
-    const std::size_t chunk = std::max(size, k_chunk);
-    m_chunks.push_back(std::unique_ptr<char[]>(new char[chunk]));
-    m_free = m_chunks.back().get();
-    m_free_size = chunk;
-  }
+  if (size > m_free_size) add_chunk(size);
   char* const copied = m_free;
   std::memcpy(copied, text.data(), text.size());
   copied[text.size()] = '\0';
   m_free += size;
   m_free_size -= size;
   return copied;
+}
+
+// Small for a listing of one item, which may be kept by the hundreds.
+void TEXT_ARENA::add_chunk(std::size_t least) {
+  constexpr std::size_t k_smallest = 128;
+  constexpr std::size_t k_largest = 16384;
+  m_chunk_size = std::clamp(2 * m_chunk_size, k_smallest, k_largest);
+  const std::size_t size = std::max(least, m_chunk_size);
+  m_chunks.push_back(std::unique_ptr<char[]>(new char[size]));
+  m_free = m_chunks.back().get();
+  m_free_size = size;
+}
+
+void NAMES::add(std::string_view prefix, std::string_view own_name) {
+  const std::size_t size = m_size + prefix.size() + own_name.size() + 1;
+  if (size > m_capacity) grow(size);
+  char* const name = m_names.get() + m_size;
+  std::memcpy(name, prefix.data(), prefix.size());
+  std::memcpy(name + prefix.size(), own_name.data(), own_name.size());
+  m_names[size - 1] = '\0';
+  m_size = size;
+}
+
+void NAMES::grow(std::size_t size) {
+  const std::size_t capacity = std::max(size, 2 * m_capacity);
+  std::unique_ptr<char[]> grown(new char[capacity]);
+  if (m_size != 0) std::memcpy(grown.get(), m_names.get(), m_size);
+  m_names = std::move(grown);
+  m_capacity = capacity;
 }
 
 }  // namespace sbd_c

@@ -96,7 +96,8 @@ void LISTING_BUILDER::fill(sbdc_listing& listing, std::size_t most) {
   while (listing.items.size() < most) {
     const NODE* const node = step();
     if (node == nullptr) break;
-    m_prefix.resize(m_levels.back().prefix_length);
+    const std::size_t prefix_length = m_levels.back().prefix_length;
+    if (m_prefix.size() != prefix_length) m_prefix.resize(prefix_length);
     const std::string_view own_name = declared_name(node);
     add(node, own_name, m_outer_depth + m_levels.size() - 1);
     if (node->type != NODE::NT_BLOCK) continue;
@@ -142,13 +143,13 @@ void LISTING_BUILDER::add(const NODE* node, std::string_view own_name, std::size
   const sbdc_item_kind kind = kind_of(node);
   if ((m_kinds & kind) == 0) return;
 
-  m_listing->names.append(m_prefix).append(own_name) += '\0';
+  m_listing->names.add(m_prefix, own_name);
   m_listing->items.emplace_back();
   sbdc_item& item = m_listing->items.back();
   item.kind = kind;
   item.type = "";
   item.depth = static_cast<std::uint32_t>(depth);
-  item.position = position_of(node);
+  item.position = position_of(node, statement_length(node));
   item.name_position = name_position_of(node, own_name, item.position);
   switch (kind) {
     case SBDC_BLOCK:
@@ -215,7 +216,7 @@ void LISTING_BUILDER::put_value(const VALUE& value, sbdc_value& made) {
 void LISTING_BUILDER::put_single(const VALUE& value, sbdc_value& made) {
   set_empty(made, static_cast<sbdc_value_kind>(value.type));
   made.unit = static_cast<sbdc_unit>(value.unit);
-  made.position = position_of(&value);
+  made.position = position_of(&value, value.m_length);
   if (is_number(value)) {
     made.unscaled = value.number;
     made.number = scaled_number(value);
@@ -270,10 +271,36 @@ sbdc_value LISTING_BUILDER::make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& 
   return made;
 }
 
+// ---- Positions ---------------------------------------------------------------------------------
+
+// Of an assignment whose ";" is right behind the value, as it nearly always is; otherwise 0.
+std::size_t LISTING_BUILDER::statement_length(const NODE* node) const {
+  if (kind_of(node) != SBDC_PARAMETER) return 0;
+  const VALUE& value = *node->statement->value;
+  if (node->m_position == 0 || value.m_position <= node->m_position) return 0;
+  const std::size_t end = value.m_position - std::size_t{1} + value.m_length;
+  const std::string_view text = m_lines.text();
+  return end < text.size() && text[end] == ';' ? end + 1 - (node->m_position - std::size_t{1}) : 0;
+}
+
 template <class RECORD>
-sbdc_position LISTING_BUILDER::position_of(const RECORD* record) const {
+sbdc_position LISTING_BUILDER::position_of(const RECORD* record) {
   SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
-  return m_document.get_range(record, range) ? to_position(range) : sbdc_position{};
+  if (!m_document.get_range(record, range)) return {};
+  const sbdc_position position = to_position(range);
+  m_lines.start_at(position);
+  return position;
+}
+
+// The same for a record whose length is known, unless it is 0.
+template <class RECORD>
+sbdc_position LISTING_BUILDER::position_of(const RECORD* record, std::size_t length) {
+  sbdc_position position{};
+  if (record->m_position != 0 && length != 0 &&
+      m_lines.locate(record->m_position - std::size_t{1}, length, position)) {
+    return position;
+  }
+  return position_of(record);
 }
 
 }  // namespace sbd_c

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "capi/c_line_cursor.h"
 #include "capi/c_listing.h"
 #include "sbd/sbd_file_parser.h"
 
@@ -29,7 +30,7 @@ class LISTING_BUILDER {
 
   // For what is of the `kinds`: sbdc_item_kind values combined.
   LISTING_BUILDER(const SBD_FILE_PARSER& document, unsigned kinds)
-      : m_document(document), m_kinds(kinds) {}
+      : m_document(document), m_kinds(kinds), m_lines(document.get_source()) {}
 
   // To go through everything below the block; null stands for the document.
   void start_below(const NODE* block);
@@ -67,11 +68,15 @@ class LISTING_BUILDER {
   void open_list(const VALUE& list, sbdc_value& made);
   const char* keep_type(const char* type);
   void set_names();
+  std::size_t statement_length(const NODE* node) const;
   template <class RECORD>
-  sbdc_position position_of(const RECORD* record) const;
+  sbdc_position position_of(const RECORD* record);
+  template <class RECORD>
+  sbdc_position position_of(const RECORD* record, std::size_t length);
 
   const SBD_FILE_PARSER& m_document;
   unsigned m_kinds;
+  LINE_CURSOR m_lines;
   std::vector<LEVEL> m_levels;    // From the place where it began to where it is; empty at the end.
   std::size_t m_outer_depth = 0;  // Of the first level.
   std::string m_prefix;           // Of the names on the last level.

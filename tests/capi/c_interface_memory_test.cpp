@@ -66,6 +66,18 @@ TEST_F(C_INTERFACE_MEMORY, EndsWhileListing) {
   sbdc_listing_free(listing);
 }
 
+TEST_F(C_INTERFACE_MEMORY, EndsDuringAWalk) {
+  sbdc_walk* walk = nullptr;
+  ASSERT_EQ(sbdc_walk_new(m_document, "board.stripe", SBDC_REFERENCE_STATEMENT, &walk), SBDC_OK);
+  sbdc_listing* part = nullptr;
+  sbd_host::fail_allocation("SBD", 1, true);
+  EXPECT_EQ(sbdc_walk_next(walk, 1, &part), SBDC_NO_MEMORY);
+  sbd_host::fail_allocation("SBD", 0, false);
+  EXPECT_EQ(part, nullptr);
+  EXPECT_EQ(sbdc_walk_next(walk, 1, &part), SBDC_NOT_FOUND);  // It was the only one.
+  sbdc_walk_free(walk);
+}
+
 TEST_F(C_INTERFACE_MEMORY, EndsDuringAnEdit) {
   expect_no_memory_until_good(
       [&] { return sbdc_set_value(m_document, "board.stripe.list_of_numbers", "{4, 5, \"six\"}"); },

@@ -85,6 +85,7 @@ int main(int argc, char** argv) {
   } tests[] = {{"documents", test_documents},
                {"queries", test_queries},
                {"listings", test_listings},
+               {"walks", test_walks},
                {"nested_lists", test_nested_lists},
                {"edits", test_edits},
                {"transactions", test_transactions},

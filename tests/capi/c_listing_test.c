@@ -184,6 +184,153 @@ void test_listings(void) {
   list_nothing();
 }
 
+/* ---- Walks ---- */
+
+static void expect_part(sbdc_walk* walk, size_t most, const char* expected) {
+  char names[200] = "";
+  sbdc_listing* listing = NULL;
+  size_t i = 0;
+  EXPECT_STATUS(sbdc_walk_next(walk, most, &listing), SBDC_OK);
+  for (i = 0; i < sbdc_listing_size(listing); i++) {
+    strncat(names, sbdc_listing_item(listing, i)->name, sizeof names - strlen(names) - 2);
+    strcat(names, " ");
+  }
+  EXPECT_TEXT(names, expected);
+  sbdc_listing_free(listing);
+}
+
+static void expect_end(sbdc_walk* walk, sbdc_status expected) {
+  sbdc_listing* listing = NULL;
+  EXPECT_STATUS(sbdc_walk_next(walk, 1, &listing), expected);
+  EXPECT(listing == NULL);
+}
+
+static void walk_in_parts(const sbdc_document* document) {
+  sbdc_walk* walk = NULL;
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, SBDC_BLOCK | SBDC_PARAMETER, &walk), SBDC_OK);
+  expect_part(walk, 2, "board board.family ");
+  expect_part(walk, 1, "board.stripe ");
+  expect_part(walk, 3, "board.stripe.size board.stripe.clocks board.stripe.clocks.main ");
+  expect_part(walk, 100, "board.stripe.clocks.modes ");
+  expect_end(walk, SBDC_NOT_FOUND);
+  expect_end(walk, SBDC_NOT_FOUND);
+  sbdc_walk_free(walk);
+
+  EXPECT_STATUS(sbdc_walk_new(document, "board.STRIPE.clocks", SBDC_PARAMETER, &walk), SBDC_OK);
+  expect_part(walk, 1, "board.stripe.clocks.main ");
+  expect_part(walk, 1, "board.stripe.clocks.modes ");
+  expect_end(walk, SBDC_NOT_FOUND);
+  sbdc_walk_free(walk);
+}
+
+/* Part by part, the items are those of the whole listing. */
+static void walk_as_listed(const sbdc_document* document) {
+  const unsigned all = SBDC_BLOCK | SBDC_PARAMETER | SBDC_REFERENCE_STATEMENT;
+  sbdc_listing* whole = NULL;
+  sbdc_walk* walk = NULL;
+  size_t i = 0;
+  EXPECT_STATUS(sbdc_list(document, NULL, all, &whole), SBDC_OK);
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, all, &walk), SBDC_OK);
+  for (i = 0; i < sbdc_listing_size(whole); i++) {
+    const sbdc_item* const expected = sbdc_listing_item(whole, i);
+    sbdc_listing* part = NULL;
+    const sbdc_item* item = NULL;
+    EXPECT_STATUS(sbdc_walk_next(walk, 1, &part), SBDC_OK);
+    item = sbdc_listing_item(part, 0);
+    EXPECT_TEXT(item->name, expected->name);
+    EXPECT_TEXT(item->type, expected->type);
+    EXPECT_NUMBER(item->depth, expected->depth);
+    EXPECT(memcmp(&item->position, &expected->position, sizeof item->position) == 0);
+    EXPECT(memcmp(&item->name_position, &expected->name_position, sizeof item->position) == 0);
+    EXPECT(memcmp(&item->value.position, &expected->value.position, sizeof item->position) == 0);
+    EXPECT(item->value.kind == expected->value.kind);
+    EXPECT_NUMBER(item->value.element_count, expected->value.element_count);
+    EXPECT_NUMBER(item->attribute_count, expected->attribute_count);
+    sbdc_listing_free(part);
+  }
+  expect_end(walk, SBDC_NOT_FOUND);
+  sbdc_walk_free(walk);
+  sbdc_listing_free(whole);
+}
+
+/* A changed document ends the walk; what it gave stays. */
+static void walk_in_vain(void) {
+  sbdc_document* const document = make_document(k_text);
+  sbdc_walk* walk = NULL;
+  sbdc_listing* part = NULL;
+  EXPECT_STATUS(sbdc_walk_new(document, "nothing", SBDC_BLOCK, &walk), SBDC_NOT_FOUND);
+  EXPECT_STATUS(sbdc_walk_new(document, "board.family", SBDC_BLOCK, &walk), SBDC_WRONG_KIND);
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, 0, &walk), SBDC_MISUSE);
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, 8, &walk), SBDC_MISUSE);
+  EXPECT_STATUS(sbdc_walk_new(NULL, NULL, SBDC_BLOCK, &walk), SBDC_MISUSE);
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, SBDC_BLOCK, NULL), SBDC_MISUSE);
+  EXPECT(walk == NULL);
+  EXPECT_STATUS(sbdc_walk_next(NULL, 1, &part), SBDC_MISUSE);
+
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, SBDC_PARAMETER, &walk), SBDC_OK);
+  EXPECT_STATUS(sbdc_walk_next(walk, 0, &part), SBDC_MISUSE);
+  EXPECT_STATUS(sbdc_walk_next(walk, 1, NULL), SBDC_MISUSE);
+  EXPECT_STATUS(sbdc_walk_next(walk, 1, &part), SBDC_OK);
+  EXPECT_STATUS(sbdc_remove_parameter(document, "board.stripe.clocks.main"), SBDC_OK);
+  expect_end(walk, SBDC_MISUSE);
+  EXPECT_TEXT(sbdc_listing_item(part, 0)->name, "board.family");
+  sbdc_walk_free(walk);
+
+  EXPECT_STATUS(sbdc_walk_new(document, NULL, SBDC_PARAMETER, &walk), SBDC_OK);
+  EXPECT_STATUS(sbdc_read_text(document, "device d { a = 1; }", 19, "d.sbd"), SBDC_OK);
+  expect_end(walk, SBDC_MISUSE);
+  sbdc_document_free(document);
+  sbdc_walk_free(walk);
+  sbdc_walk_free(NULL);
+  sbdc_listing_free(part);
+}
+
+/* Positions are right wherever the lines begin, and for what does not stand in file order. */
+static void walk_odd_places(void) {
+  static const char k_odd[] =
+      "device d\r\n{ a = 1 ; b\n= \"x;\n\" ; c = {1,\n 2}[k d.a]; # d\n"
+      "module m { e = true; } }";
+  sbdc_document* const document = make_document(k_odd);
+  sbdc_listing* listing = NULL;
+  size_t i = 0;
+  static const struct {
+    const char* name;
+    uint32_t line, column, offset, length, value_line, value_column;
+  } k_expected[] = {
+      {"d.b", 2, 11, 20, 11, 3, 3},
+      {"d.c", 4, 5, 32, 19, 4, 9},
+      {"d.m.e", 6, 12, 67, 9, 6, 16},
+      {"d.a", 0, 0, 0, 0, 0, 0},
+  };
+  EXPECT_STATUS(sbdc_remove_references(document, "d.a"), SBDC_OK);
+  EXPECT_STATUS(sbdc_set_attributes(document, "d.c", NULL, NULL, 0), SBDC_OK);
+  EXPECT_STATUS(sbdc_remove_parameter(document, "d.a"), SBDC_OK);
+  EXPECT_STATUS(sbdc_add_value(document, "d.a", "5", SBDC_AT_END, NULL), SBDC_OK);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_PARAMETER, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), 4);
+  for (i = 0; i < sbdc_listing_size(listing); i++) {
+    const sbdc_item* const item = sbdc_listing_item(listing, i);
+    EXPECT_TEXT(item->name, k_expected[i].name);
+    EXPECT_NUMBER(item->position.line, k_expected[i].line);
+    EXPECT_NUMBER(item->position.column, k_expected[i].column);
+    EXPECT_NUMBER(item->position.offset, k_expected[i].offset);
+    EXPECT_NUMBER(item->position.length, k_expected[i].length);
+    EXPECT_NUMBER(item->value.position.line, k_expected[i].value_line);
+    EXPECT_NUMBER(item->value.position.column, k_expected[i].value_column);
+  }
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+}
+
+void test_walks(void) {
+  sbdc_document* const document = make_document(k_text);
+  walk_in_parts(document);
+  walk_as_listed(document);
+  sbdc_document_free(document);
+  walk_in_vain();
+  walk_odd_places();
+}
+
 /* ---- Lists in lists ---- */
 
 static void find_nested_list(void) {

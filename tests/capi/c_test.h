@@ -37,6 +37,7 @@ void write_file(const char* path, const char* text);
 void test_documents(void);
 void test_queries(void);
 void test_listings(void);
+void test_walks(void);
 void test_nested_lists(void);
 void test_edits(void);
 void test_transactions(void);
