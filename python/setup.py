@@ -6,12 +6,12 @@ from wheel.bdist_wheel import bdist_wheel
 
 class BinaryDistribution(Distribution):
     def has_ext_modules(self):
-        return True  # It holds a library for one kind of machine,
+        return True  # It holds libraries for one kind of machine,
 
 
 class AnyPythonWheel(bdist_wheel):
     def get_tag(self):
-        return "py3", "none", super().get_tag()[2]  # but for every Python 3.
+        return "cp39", "abi3", super().get_tag()[2]  # but for every Python from 3.9 on.
 
 
 setup(distclass=BinaryDistribution, cmdclass={"bdist_wheel": AnyPythonWheel})

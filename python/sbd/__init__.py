@@ -14,10 +14,10 @@
 
 from ._device import Clocks, Device, DeviceParameter
 from ._document import Document, read, read_text
-from ._findings import EditError, Finding, Position, ReadError, SbdError, UnreadableError
-from ._items import Block, Item, Parameter, Reference, Value
+from ._findings import EditError, Finding, ReadError, SbdError, UnreadableError
+from ._items import Block, Item, Parameter, Position, Reference
 from ._native import library as _library
-from ._notation import to_notation
+from ._notation import Value, to_notation
 
 __version__: str = _library.sbdc_version().decode()
 

@@ -9,7 +9,8 @@ from typing import Any, Callable, Iterator, Optional, Union
 
 from . import _native
 from ._document import Path
-from ._findings import Finding, Position, make_findings, make_position, raise_for
+from ._findings import Finding, make_findings, make_position, raise_for
+from ._items import Position
 from ._native import library, to_bytes, to_text
 
 ORIGINS = ("none", "statement", "present block default", "absent block default")
@@ -53,15 +54,15 @@ class Device:
     findings: tuple[Finding, ...]
 
     def __init__(self, path: Path, name: str) -> None:
-        self._read(name, lambda handle: library.sbdc_device_read(handle, os.fsencode(path)))
+        self._read(name, lambda handle: int(library.sbdc_device_read(handle, os.fsencode(path))))
 
     @classmethod
     def from_text(cls, text: Union[str, bytes], name: str, file_name: str = "text") -> "Device":
         """The same for a text; ``file_name`` stands for the file in findings."""
         encoded = text if isinstance(text, bytes) else text.encode("utf-8", "surrogateescape")
         device = cls.__new__(cls)
-        device._read(name, lambda handle: library.sbdc_device_read_text(
-            handle, encoded, len(encoded), to_bytes(file_name)))
+        device._read(name, lambda handle: int(library.sbdc_device_read_text(
+            handle, encoded, len(encoded), to_bytes(file_name))))
         return device
 
     @property

@@ -5,14 +5,17 @@ from __future__ import annotations
 import ctypes
 import os
 import threading
+import weakref
 from contextlib import contextmanager
+from itertools import chain
 from typing import Any, Callable, Iterator, Optional, Sequence, Union
 
 from . import _native
 from ._findings import Finding, make_findings, raise_for
-from ._items import Block, Item, Listing, Parameter, Reference, Value
+from ._items import Block, Item, Parameter, Reference
 from ._native import library, texts_of, to_bytes, to_text
-from ._notation import to_notation
+from ._notation import Value, to_notation
+from ._walk import Walk, items_of
 
 Path = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
@@ -49,6 +52,7 @@ class Document:
         self._handle = ctypes.c_void_p()
         self._lock = threading.RLock()
         self._top_level: Optional[list[str]] = None
+        self._walks: weakref.WeakSet[Walk] = weakref.WeakSet()
         raise_for(library.sbdc_document_new(ctypes.byref(self._handle)), "new document", ())
 
     def __del__(self) -> None:
@@ -84,20 +88,19 @@ class Document:
 
     def items(self, scope: Optional[str] = None) -> Iterator[Item]:
         """All blocks and statements in file order, or all below the block ``scope``."""
-        everything = _native.BLOCK | _native.PARAMETER | _native.REFERENCE_STATEMENT
-        return iter(self._list(scope, everything))
+        return self._walk(scope, _native.BLOCK | _native.PARAMETER | _native.REFERENCE_STATEMENT)
 
     def blocks(self, scope: Optional[str] = None) -> Iterator[Block]:
         """All blocks, a block before what is in it."""
-        return self._list(scope, _native.BLOCK).all_of(Block)
+        return self._walk(scope, _native.BLOCK)
 
     def parameters(self, scope: Optional[str] = None) -> Iterator[Parameter]:
         """All parameters in file order."""
-        return self._list(scope, _native.PARAMETER).all_of(Parameter)
+        return self._walk(scope, _native.PARAMETER)
 
     def references(self, scope: Optional[str] = None) -> Iterator[Reference]:
         """All reference statements in file order."""
-        return self._list(scope, _native.REFERENCE_STATEMENT).all_of(Reference)
+        return self._walk(scope, _native.REFERENCE_STATEMENT)
 
     __iter__ = items
 
@@ -105,7 +108,7 @@ class Document:
     def text(self) -> str:
         """The text as edited. Bytes that are not UTF-8 are escaped as by "surrogateescape"."""
         length = ctypes.c_size_t()
-        with self._lock:
+        with self._changing():
             address = library.sbdc_text(self._handle, ctypes.byref(length))
             if not address:
                 raise MemoryError("text")
@@ -209,19 +212,29 @@ class Document:
 
     # ---- Inside --------------------------------------------------------------------------------
 
-    def _run(self, what: str, function: Callable, *arguments: Any) -> None:
-        with self._lock:
+    def _run(self, what: str, function: Callable[..., int], *arguments: Any) -> None:
+        with self._changing():
             status = function(self._handle, *arguments)
             if status != _native.OK:
                 raise_for(status, what, self.findings)
 
-    def _edit(self, what: str, function: Callable, name: str, *arguments: Any) -> None:
-        with self._lock:
+    def _edit(self, what: str, function: Callable[..., int], name: str, *arguments: Any) -> None:
+        with self._changing():
             full_name = to_bytes(self._full_name(name))
             status = function(self._handle, full_name, *arguments)
             if status == _native.NOT_FOUND:
                 raise KeyError(name)
             raise_for(status, what, self.findings if status != _native.OK else ())
+
+    @contextmanager
+    def _changing(self) -> Iterator[None]:
+        """For calls that may change the document: those who are on their way through it get
+        what they have not come to yet as it is now."""
+        with self._lock:
+            for walk in list(self._walks):
+                walk.take_rest()
+            self._walks.clear()
+            yield
 
     def _find(self, name: str) -> Optional[Item]:
         handle = ctypes.c_void_p()
@@ -231,19 +244,21 @@ class Document:
         if status == _native.NOT_FOUND:
             return None
         raise_for(status, name, ())
-        return next(iter(Listing(handle.value or 0)))
+        return next(items_of(handle))
 
-    def _list(self, scope: Optional[str], kinds: int) -> Listing:
-        handle = ctypes.c_void_p()
+    def _walk(self, scope: Optional[str], kinds: int) -> Iterator[Any]:
+        block = None if scope is None else to_bytes(self._full_name(scope))
         with self._lock:
-            block = None if scope is None else to_bytes(self._full_name(scope))
-            status = library.sbdc_list(self._handle, block, kinds, ctypes.byref(handle))
-        if status == _native.NOT_FOUND:
-            raise KeyError(scope)
-        if status == _native.WRONG_KIND:
-            raise KeyError(f"{scope} (not a block)")
-        raise_for(status, "list", ())
-        return Listing(handle.value or 0)
+            handle = ctypes.c_void_p()
+            status = library.sbdc_walk_new(self._handle, block, kinds, ctypes.byref(handle))
+            if status == _native.NOT_FOUND:
+                raise KeyError(scope)
+            if status == _native.WRONG_KIND:
+                raise KeyError(f"{scope} (not a block)")
+            raise_for(status, "list", ())
+            walk = Walk(self, self._lock, handle)
+            self._walks.add(walk)
+        return chain.from_iterable(walk)
 
     def _has_quotes(self, full_name: str) -> bool:
         item = self._find(full_name)

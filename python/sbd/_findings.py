@@ -3,19 +3,11 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import Callable, NamedTuple, Optional
+from typing import Any, Callable, Optional
 
 from . import _native
+from ._items import Position
 from ._native import to_text
-
-
-class Position(NamedTuple):
-    """A place in the text of a file as it was read."""
-
-    line: int  #: From 1 on.
-    column: int  #: From 1 on, in bytes.
-    offset: int  #: From 0 on, in bytes.
-    length: int  #: In bytes.
 
 
 SEVERITIES = ("error", "warning", "internal error")
@@ -64,7 +56,7 @@ def make_position(position: _native.POSITION) -> Optional[Position]:
     return Position(position.line, position.column, position.offset, position.length)
 
 
-def make_findings(count: Callable, at: Callable, handle: object) -> tuple[Finding, ...]:
+def make_findings(count: Callable[..., int], at: Callable[..., Any], handle: object) -> tuple[Finding, ...]:
     findings = []
     for index in range(count(handle)):
         found = at(handle, index).contents

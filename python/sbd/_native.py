@@ -4,8 +4,10 @@ from __future__ import annotations
 
 import ctypes
 import pathlib
+from collections.abc import Sequence
 from ctypes import POINTER, Structure, c_char_p, c_double, c_int, c_int32, c_size_t, c_uint, c_uint32
 from ctypes import c_void_p
+from typing import Any
 
 # Beside this file in a wheel; otherwise where the system keeps its libraries.
 LIBRARY_NAME = "libsbd_c.so.0"
@@ -26,27 +28,6 @@ class FINDING(Structure):
                 ("parameter", c_char_p), ("position", POSITION)]
 
 
-class VALUE(Structure):
-    _fields_ = [("kind", c_int), ("unit", c_int), ("number", c_double), ("unscaled", c_double),
-                ("text", c_char_p), ("target", c_char_p), ("first_element", c_uint32),
-                ("element_count", c_uint32), ("position", POSITION)]
-
-
-class ATTRIBUTE(Structure):
-    _fields_ = [("key", c_char_p), ("value", c_char_p), ("position", POSITION)]
-
-
-class ITEM(Structure):
-    _fields_ = [("name", c_char_p), ("type", c_char_p), ("kind", c_int), ("depth", c_uint32),
-                ("position", POSITION), ("name_position", POSITION), ("value", VALUE),
-                ("first_attribute", c_uint32), ("attribute_count", c_uint32)]
-
-
-class VIEW(Structure):
-    _fields_ = [("items", c_void_p), ("item_count", c_size_t), ("item_size", c_size_t),
-                ("names", c_void_p), ("name_length", c_size_t)]
-
-
 class DEVICE_PARAMETER(Structure):
     _fields_ = [("name", c_char_p), ("type", c_int), ("origin", c_int), ("has_value", c_int),
                 ("is_required", c_int), ("number", c_double), ("text", c_char_p),
@@ -58,7 +39,7 @@ _HANDLE = c_void_p
 _OUT = POINTER(c_void_p)
 
 # Name, result, arguments. A status is a c_int.
-_FUNCTIONS = (
+_FUNCTIONS: tuple[tuple[Any, ...], ...] = (
     ("sbdc_version", c_char_p),
     ("sbdc_status_text", c_char_p, c_int),
     ("sbdc_document_new", c_int, _OUT),
@@ -68,12 +49,10 @@ _FUNCTIONS = (
     ("sbdc_finding_count", c_size_t, _HANDLE),
     ("sbdc_finding_at", POINTER(FINDING), _HANDLE, c_size_t),
     ("sbdc_text", c_void_p, _HANDLE, POINTER(c_size_t)),
-    ("sbdc_list", c_int, _HANDLE, c_char_p, c_uint, _OUT),
     ("sbdc_find", c_int, _HANDLE, c_char_p, _OUT),
-    ("sbdc_listing_free", None, _HANDLE),
-    ("sbdc_listing_element", POINTER(VALUE), _HANDLE, c_size_t),
-    ("sbdc_listing_attribute", POINTER(ATTRIBUTE), _HANDLE, c_size_t),
-    ("sbdc_listing_get_view", c_int, _HANDLE, POINTER(VIEW)),
+    ("sbdc_walk_new", c_int, _HANDLE, c_char_p, c_uint, _OUT),
+    ("sbdc_walk_free", None, _HANDLE),
+    ("sbdc_walk_next", c_int, _HANDLE, c_size_t, _OUT),
     ("sbdc_set_value", c_int, _HANDLE, c_char_p, c_char_p),
     ("sbdc_add_value", c_int, _HANDLE, c_char_p, c_char_p, c_int, c_char_p),
     ("sbdc_set_references", c_int, _HANDLE, c_char_p, TEXTS, c_size_t, c_int, c_char_p),
@@ -129,7 +108,7 @@ def to_text(encoded: bytes | None) -> str:
     return "" if encoded is None else encoded.decode("utf-8", "surrogateescape")
 
 
-def texts_of(values: list[str | None]) -> ctypes.Array[c_char_p]:
+def texts_of(values: Sequence[str | None]) -> ctypes.Array[c_char_p]:
     array = (c_char_p * len(values))()
     for index, value in enumerate(values):
         array[index] = None if value is None else to_bytes(value)

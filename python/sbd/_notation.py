@@ -5,7 +5,10 @@ from __future__ import annotations
 import math
 import re
 from decimal import Decimal
-from typing import Any
+from typing import Any, Union
+
+#: What the value of a parameter can be; a tuple is that of a reference statement.
+Value = Union[int, float, bool, str, list[Any], tuple[str, ...]]
 
 _WORD = re.compile(r"[A-Za-z_][A-Za-z0-9_]*\Z")
 _LARGEST = 0xFFFFFFFF

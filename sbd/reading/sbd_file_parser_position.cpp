@@ -2,6 +2,7 @@
 //
 // Records keep where they begin; where they end is found by looking at the text again.
 #include <algorithm>
+#include <array>
 
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_store.h"
@@ -19,13 +20,20 @@ std::size_t skip_string(std::string_view text, std::size_t at) {
   return std::min(text.find('"', at + 1), text.size() - 1) + 1;
 }
 
+constexpr std::array<bool, 256> make_item_ends() {
+  std::array<bool, 256> ends{};
+  for (const char c : std::string_view(" \t\r\n=;,{}<>[]#\""))
+    ends[static_cast<unsigned char>(c)] = true;
+  return ends;
+}
+constexpr std::array<bool, 256> k_item_ends = make_item_ends();
+
 // Behind the name, number or string that begins at `at`. The text was parsed without fault, so
 // what may follow need not be looked for.
 std::size_t skip_item(std::string_view text, std::size_t at) {
   if (text[at] == '"') return skip_string(text, at);
-  constexpr std::string_view k_ends = " \t\r\n=;,{}<>[]#\"";
   for (;;) {
-    at = std::min(text.find_first_of(k_ends, at), text.size());
+    while (at < text.size() && !k_item_ends[static_cast<unsigned char>(text[at])]) ++at;
     const bool is_index = text.size() - at > 2 && text[at] == '[' && text[at + 2] == ']' &&
                           sbd_is(text[at + 1], CC_DIGIT);
     if (!is_index) return at;

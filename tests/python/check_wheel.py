@@ -18,10 +18,10 @@ with tempfile.TemporaryDirectory() as name:
     shutil.copytree(staged, folder / "source")
     subprocess.run([sys.executable, "setup.py", "-q", "bdist_wheel", "-d", str(folder)], check=True,
                    cwd=folder / "source", stdout=subprocess.DEVNULL)
-    (wheel,) = folder.glob("sbd-*-py3-none-*.whl")
+    (wheel,) = folder.glob("sbd-*-cp39-abi3-linux_*.whl")
     zipfile.ZipFile(wheel).extractall(folder / "installed")
     names = {path.name for path in (folder / "installed" / "sbd").iterdir()}
-    if not {"py.typed", "__init__.py", "libsbd_c.so.0"} <= names:
+    if not {"py.typed", "__init__.py", "_items.abi3.so", "_items.pyi", "libsbd_c.so.0"} <= names:
         sys.exit(f"the wheel holds only {sorted(names)}")
     run = subprocess.run([sys.executable, "-c", PROGRAM], capture_output=True, text=True,
                          cwd=folder, env={"PYTHONPATH": str(folder / "installed")})

@@ -1,7 +1,9 @@
 """Reading documents and asking them."""
 
+import copy
 import os
 import pathlib
+import pickle
 import tempfile
 import threading
 import unittest
@@ -138,6 +140,80 @@ class Asking(unittest.TestCase):
         self.assertEqual(size.value, 65536)
         self.assertEqual(size.attributes["display"], "board.label")
         self.assertEqual(len(list(parameters)), 9)
+
+    def test_who_is_on_the_way_sees_the_state_at_the_start(self):
+        count = 1000
+        document = sbd.read_text(
+            "device d {%s}" % "".join(f" p{number} = {number};" for number in range(count)))
+        parameters = document.parameters()
+        blocks = document.blocks()
+        first = [next(parameters) for _ in range(10)]
+        with document.edit():
+            for number in range(count):
+                document[f"d.p{number}"] = -1.5
+            del document["d.p500"]
+            document["d.late"] = 1
+        rest = list(parameters)
+        self.assertEqual([p.value for p in first + rest], list(range(count)))
+        self.assertEqual([p.position.line for p in rest], [1] * (count - 10))
+        self.assertEqual([p.value for p in document.parameters("d")], [-1.5] * (count - 1) + [1])
+        document.add_block("module", "d.m")
+        self.assertEqual([block.name for block in blocks], ["d"])
+        self.assertEqual([block.name for block in document.blocks()], ["d", "d.m"])
+
+    def test_each_iteration_goes_its_own_way(self):
+        pairs = [(outer.own_name, inner.own_name) for outer in self.document.blocks()
+                 for inner in self.document.blocks(outer.name)]
+        self.assertEqual(pairs, [("board", "stripe"), ("board", "clocks"), ("stripe", "clocks")])
+        unfinished = self.document.parameters()
+        next(unfinished)
+        del unfinished
+        self.document["stripe.size"] = 1
+        self.assertIn('"two ä words"', self.document.text)
+
+    def test_an_iteration_outlives_the_document(self):
+        document = sbd.read_text("device d {%s}" % (" a%d = 1;" * 1000 % tuple(range(1000))))
+        parameters = document.parameters()
+        del document
+        self.assertEqual(sum(p.value for p in parameters), 1000)
+
+    def test_positions_behave_like_tuples(self):
+        position = self.document.find("stripe.size").value_position
+        self.assertEqual(position, sbd.Position(line=5, column=12, offset=78, length=3))
+        self.assertNotEqual(position, sbd.Position(5, 12, 78, 4))
+        line, column, offset, length = position
+        self.assertEqual((line, column, offset, length), (5, 12, 78, 3))
+        self.assertEqual((position[0], position[-1], position[:2], len(position)),
+                         (5, 3, (5, 12), 4))
+        self.assertEqual(repr(position), "Position(line=5, column=12, offset=78, length=3)")
+        self.assertEqual(len({position, sbd.Position(*position)}), 1)
+        self.assertLess(position, self.document.find("stripe.rate").position)
+        self.assertEqual(copy.deepcopy(position), position)
+        self.assertEqual(pickle.loads(pickle.dumps(position)), position)
+        with self.assertRaises(IndexError):
+            position[4]
+        with self.assertRaises(AttributeError):
+            position.line = 1
+        with self.assertRaises(TypeError):
+            sbd.Position(1)
+
+    def test_items_are_made_by_documents_alone(self):
+        for kind in (sbd.Item, sbd.Block, sbd.Parameter, sbd.Reference):
+            with self.assertRaises(TypeError):
+                kind()
+        self.assertEqual(repr(self.document.find("stripe")), "<Block board.stripe>")
+        with self.assertRaises(AttributeError):
+            self.document.find("stripe").name = "other"
+
+    def test_texts_that_are_not_utf_8_come_back_as_they_were(self):
+        document = sbd.read_text(b'device d { a = "\xff\xfe"; }')
+        self.assertEqual(document["d.a"].encode("utf-8", "surrogateescape"), b"\xff\xfe")
+
+    def test_numbers_of_any_unit_are_whole(self):
+        document = sbd.read_text("device d { a = 4294967295G; b = 0xFFFFFFFFMHz; c = 0b11K; }")
+        self.assertEqual([parameter.value for parameter in document.parameters()],
+                         [4294967295 * 1024**3, 4294967295 * 10**6, 3072])
+        self.assertEqual({type(parameter.value) for parameter in document.parameters()}, {int})
 
     def test_lists_may_nest_deeper_than_python_recurses(self):
         depth = 5000
