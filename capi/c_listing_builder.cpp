@@ -39,6 +39,21 @@ std::size_t dots_in(std::string_view name) {
   return static_cast<std::size_t>(std::count(name.begin(), name.end(), '.'));
 }
 
+bool is_blank(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// Of a character behind something that a name may have begun with.
+bool is_end_of_name(char c) {
+  return is_blank(c) || c == '=' || c == '<' || c == '{';
+}
+
+std::size_t name_behind_type(std::string_view text, std::size_t begin, const char* type) {
+  std::size_t at = begin + (type != nullptr ? std::strlen(type) : 0);
+  while (at < text.size() && is_blank(text[at])) ++at;
+  return std::min(at, text.size());
+}
+
 std::string_view written_text(const VALUE& value) {
   return value.text != nullptr ? value.text : "";
 }
@@ -147,8 +162,8 @@ void LISTING_BUILDER::add(const NODE* node, std::string_view own_name, std::size
   sbdc_item& item = m_listing->items.back();
   item.kind = kind;
   item.depth = static_cast<std::uint32_t>(depth);
-  item.position = position_of(node, statement_length(node));
-  item.name_position = name_position_of(node, own_name, item.position);
+  item.position = position_of(node, length_of(node));
+  item.name_position = name_position_of(node, own_name);
   switch (kind) {
     case SBDC_BLOCK:
       item.type = keep_type(node->block->type);
@@ -170,18 +185,6 @@ void LISTING_BUILDER::set_names() {
     item.name = name;
     name += std::strlen(name) + 1;
   }
-}
-
-// A statement begins with its name.
-sbdc_position LISTING_BUILDER::name_position_of(const NODE* node, std::string_view own_name,
-                                                const sbdc_position& position) const {
-  if (node->type == NODE::NT_BLOCK) {
-    SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
-    return m_document.get_name_range(node, range) ? to_position(range) : sbdc_position{};
-  }
-  sbdc_position name_position = position;
-  if (position.line != 0) name_position.length = static_cast<std::uint32_t>(own_name.size());
-  return name_position;
 }
 
 void LISTING_BUILDER::add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item) {
@@ -270,14 +273,40 @@ sbdc_value LISTING_BUILDER::make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& 
 
 // ---- Positions ---------------------------------------------------------------------------------
 
-// Of an assignment whose ";" is right behind the value, as it nearly always is; otherwise 0.
-std::size_t LISTING_BUILDER::statement_length(const NODE* node) const {
+// Of a block, or of an assignment whose ";" is right behind the value, as it nearly always is;
+// otherwise 0. The document would have to look for it in the text.
+std::size_t LISTING_BUILDER::length_of(const NODE* node) const {
+  if (node->m_position == 0) return 0;
+  const std::size_t begin = node->m_position - std::size_t{1};
+  if (node->type == NODE::NT_BLOCK) {
+    const std::size_t end = node->block->m_end_position;
+    return end > begin ? end - begin : 0;
+  }
   if (kind_of(node) != SBDC_PARAMETER) return 0;
   const VALUE& value = *node->statement->value;
-  if (node->m_position == 0 || value.m_position <= node->m_position) return 0;
+  if (value.m_position <= node->m_position) return 0;
   const std::size_t end = value.m_position - std::size_t{1} + value.m_length;
   const std::string_view text = m_lines.text();
-  return end < text.size() && text[end] == ';' ? end + 1 - (node->m_position - std::size_t{1}) : 0;
+  return end < text.size() && text[end] == ';' ? end + 1 - begin : 0;
+}
+
+// A statement begins with its name, a block with its type. What was renamed since the file was read
+// has another name there.
+sbdc_position LISTING_BUILDER::name_position_of(const NODE* node, std::string_view own_name) {
+  const std::string_view text = m_lines.text();
+  if (node->m_position != 0) {
+    std::size_t begin = node->m_position - std::size_t{1};
+    if (node->type == NODE::NT_BLOCK) begin = name_behind_type(text, begin, node->block->type);
+    const std::size_t end = begin + own_name.size();
+    sbdc_position position{};
+    if (end < text.size() && is_end_of_name(text[end]) &&
+        text.compare(begin, own_name.size(), own_name) == 0 &&
+        m_lines.locate(begin, own_name.size(), position)) {
+      return position;
+    }
+  }
+  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
+  return m_document.get_name_range(node, range) ? to_position(range) : sbdc_position{};
 }
 
 template <class RECORD>

@@ -57,8 +57,8 @@ class LISTING_BUILDER {
   const NODE* step();
   std::string full_name(const NODE* node) const;
   void add(const NODE* node, std::string_view own_name, std::size_t depth);
-  sbdc_position name_position_of(const NODE* node, std::string_view own_name,
-                                 const sbdc_position& position) const;
+  std::size_t length_of(const NODE* node) const;
+  sbdc_position name_position_of(const NODE* node, std::string_view own_name);
   void add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item);
   void put_value(const VALUE& value, sbdc_value& made);
   void put_single(const VALUE& value, sbdc_value& made);
@@ -68,7 +68,6 @@ class LISTING_BUILDER {
   void open_list(const VALUE& list, sbdc_value& made);
   const char* keep_type(const char* type);
   void set_names();
-  std::size_t statement_length(const NODE* node) const;
   template <class RECORD>
   sbdc_position position_of(const RECORD* record);
   template <class RECORD>

@@ -17,6 +17,62 @@
 
 namespace {
 
+// ---- Attributes that loops ask for -------------------------------------------------------------
+
+// Python takes longer to find a property than the property takes. The names of those that are asked
+// for again and again are compared first: names in programs are interned, so a pointer tells.
+struct QUICK_ATTRIBUTE {
+  const char* name;
+  PyObject* (*get)(PyObject* self);
+  PyObject* interned;
+};
+
+template <std::size_t COUNT>
+bool intern(QUICK_ATTRIBUTE (&attributes)[COUNT]) {
+  for (QUICK_ATTRIBUTE& attribute : attributes) {
+    attribute.interned = PyUnicode_InternFromString(attribute.name);
+    if (attribute.interned == nullptr) return false;
+  }
+  return true;
+}
+
+template <std::size_t COUNT>
+PyObject* get_attribute(const QUICK_ATTRIBUTE (&attributes)[COUNT], PyObject* self,
+                        PyObject* name) {
+  for (const QUICK_ATTRIBUTE& attribute : attributes) {
+    if (attribute.interned == name) return attribute.get(self);
+  }
+  return PyObject_GenericGetAttr(self, name);
+}
+
+// ---- Memory ------------------------------------------------------------------------------------
+
+// A loop makes an object and drops the one before: the same few pieces of memory serve all of them.
+// (The lock of the interpreter is held by whoever makes or frees an object.)
+template <class OBJECT>
+class FREE_LIST {
+ public:
+  OBJECT* make(PyTypeObject* type) {
+    if (m_size == 0) return PyObject_New(OBJECT, type);
+    return reinterpret_cast<OBJECT*>(PyObject_Init(m_free[--m_size], type));
+  }
+
+  void free(PyObject* object) {
+    PyTypeObject* const type = Py_TYPE(object);
+    if (m_size < k_capacity) {
+      m_free[m_size++] = object;
+    } else {
+      PyObject_Free(object);
+    }
+    Py_DECREF(type);
+  }
+
+ private:
+  static constexpr std::size_t k_capacity = 8;
+  PyObject* m_free[k_capacity] = {};
+  std::size_t m_size = 0;
+};
+
 // ---- Positions ---------------------------------------------------------------------------------
 
 struct POSITION {
@@ -25,12 +81,13 @@ struct POSITION {
 };
 
 PyTypeObject* g_position_type = nullptr;
+FREE_LIST<POSITION> g_free_positions;
 
 constexpr int k_position_size = 4;
 
 PyObject* make_position(const sbdc_position& place) {
   if (place.line == 0) Py_RETURN_NONE;
-  POSITION* const made = PyObject_New(POSITION, g_position_type);
+  POSITION* const made = g_free_positions.make(g_position_type);
   if (made != nullptr) made->place = place;
   return reinterpret_cast<PyObject*>(made);
 }
@@ -54,7 +111,7 @@ PyObject* new_position(PyTypeObject* type, PyObject* arguments, PyObject* keywor
                                   &parts[2], &parts[3]) == 0) {
     return nullptr;
   }
-  POSITION* const made = PyObject_New(POSITION, type);
+  POSITION* const made = g_free_positions.make(type);
   if (made == nullptr) return nullptr;
   made->place.line = static_cast<std::uint32_t>(parts[0]);
   made->place.column = static_cast<std::uint32_t>(parts[1]);
@@ -64,9 +121,7 @@ PyObject* new_position(PyTypeObject* type, PyObject* arguments, PyObject* keywor
 }
 
 void free_position(PyObject* self) {
-  PyTypeObject* const type = Py_TYPE(self);
-  PyObject_Free(self);
-  Py_DECREF(type);
+  g_free_positions.free(self);
 }
 
 PyObject* as_tuple(PyObject* self) {
@@ -140,6 +195,13 @@ PyMemberDef g_position_members[] = {
     {"length", T_UINT, offset_in_position(offsetof(sbdc_position, length)), READONLY, "In bytes."},
     {}};
 
+QUICK_ATTRIBUTE g_quick_of_position[] = {
+    {"line", [](PyObject* self) { return PyLong_FromUnsignedLong(place_of(self).line); }, nullptr}};
+
+PyObject* get_of_position(PyObject* self, PyObject* name) {
+  return get_attribute(g_quick_of_position, self, name);
+}
+
 PyMethodDef g_position_methods[] = {
     {"__reduce__", reduce_position, METH_NOARGS, "For copies and pickles."}, {}};
 
@@ -155,6 +217,7 @@ PyType_Slot g_position_slots[] = {
     {Py_sq_length, reinterpret_cast<void*>(size_of_position)},
     {Py_tp_iter, reinterpret_cast<void*>(iterate_position)},
     {Py_mp_subscript, reinterpret_cast<void*>(position_part)},
+    {Py_tp_getattro, reinterpret_cast<void*>(get_of_position)},
     {Py_tp_members, g_position_members},
     {Py_tp_methods, g_position_methods},
     {0, nullptr}};
@@ -248,6 +311,8 @@ struct ITEM {
   const sbdc_item* record;
 };
 
+FREE_LIST<ITEM> g_free_items;
+
 PyTypeObject* g_listing_type = nullptr;
 PyTypeObject* g_iterator_type = nullptr;
 PyTypeObject* g_item_type = nullptr;
@@ -276,7 +341,7 @@ PyTypeObject* type_of(sbdc_item_kind kind) {
 PyObject* make_item(LISTING* owner, const sbdc_item* record) {
   PyObject* const name = make_text(record->name);
   if (name == nullptr) return nullptr;
-  ITEM* const made = PyObject_New(ITEM, type_of(record->kind));
+  ITEM* const made = g_free_items.make(type_of(record->kind));
   if (made == nullptr) {
     Py_DECREF(name);
     return nullptr;
@@ -289,11 +354,9 @@ PyObject* make_item(LISTING* owner, const sbdc_item* record) {
 }
 
 void free_item(PyObject* self) {
-  PyTypeObject* const type = Py_TYPE(self);
   Py_DECREF(reinterpret_cast<ITEM*>(self)->name);
   Py_DECREF(reinterpret_cast<ITEM*>(self)->owner);
-  PyObject_Free(self);
-  Py_DECREF(type);
+  g_free_items.free(self);
 }
 
 PyObject* show_item(PyObject* self) {
@@ -304,6 +367,12 @@ PyObject* show_item(PyObject* self) {
       PyUnicode_FromFormat("<%U %U>", type_name, reinterpret_cast<ITEM*>(self)->name);
   Py_DECREF(type_name);
   return shown;
+}
+
+PyObject* get_name(PyObject* self) {
+  PyObject* const name = reinterpret_cast<ITEM*>(self)->name;
+  Py_INCREF(name);
+  return name;
 }
 
 PyObject* get_own_name(PyObject* self, void*) {
@@ -322,6 +391,14 @@ PyObject* get_position(PyObject* self, void*) {
 
 PyObject* get_name_position(PyObject* self, void*) {
   return make_position(record_of(self).name_position);
+}
+
+QUICK_ATTRIBUTE g_quick_of_item[] = {
+    {"name", get_name, nullptr},
+    {"position", [](PyObject* self) { return get_position(self, nullptr); }, nullptr}};
+
+PyObject* get_of_item(PyObject* self, PyObject* name) {
+  return get_attribute(g_quick_of_item, self, name);
 }
 
 PyMemberDef g_item_members[] = {
@@ -345,6 +422,15 @@ PyObject* get_type(PyObject* self, void*) {
 PyObject* get_value(PyObject* self, void*) {
   const sbdc_value& value = record_of(self).value;
   return value.kind == SBDC_LIST ? make_list(listing_of(self), value) : make_scalar(value);
+}
+
+QUICK_ATTRIBUTE g_quick_of_parameter[] = {
+    {"value", [](PyObject* self) { return get_value(self, nullptr); }, nullptr},
+    {"name", get_name, nullptr},
+    {"position", [](PyObject* self) { return get_position(self, nullptr); }, nullptr}};
+
+PyObject* get_of_parameter(PyObject* self, PyObject* name) {
+  return get_attribute(g_quick_of_parameter, self, name);
 }
 
 PyObject* get_kind(PyObject* self, void*) {
@@ -449,6 +535,7 @@ PyType_Slot g_item_slots[] = {
     {Py_tp_new, reinterpret_cast<void*>(refuse_new)},
     {Py_tp_dealloc, reinterpret_cast<void*>(free_item)},
     {Py_tp_repr, reinterpret_cast<void*>(show_item)},
+    {Py_tp_getattro, reinterpret_cast<void*>(get_of_item)},
     {Py_tp_members, g_item_members},
     {Py_tp_getset, g_item_properties},
     {0, nullptr}};
@@ -457,6 +544,7 @@ PyType_Slot g_block_slots[] = {{Py_tp_doc, const_cast<char*>("A block of the fil
                                {0, nullptr}};
 PyType_Slot g_parameter_slots[] = {
     {Py_tp_doc, const_cast<char*>("An assignment: a parameter with its value.")},
+    {Py_tp_getattro, reinterpret_cast<void*>(get_of_parameter)},
     {Py_tp_getset, g_parameter_properties},
     {0, nullptr}};
 PyType_Slot g_reference_slots[] = {{Py_tp_doc, const_cast<char*>("A reference statement.")},
@@ -577,6 +665,7 @@ bool add_type(PyObject* module, const char* name, PyTypeObject* type) {
 
 bool fill_module(PyObject* module) {
   return make_texts(g_kinds, k_kinds, k_kind_count) && make_texts(g_units, k_units, k_unit_count) &&
+         intern(g_quick_of_position) && intern(g_quick_of_item) && intern(g_quick_of_parameter) &&
          make_types() && add_type(module, "Position", g_position_type) &&
          add_type(module, "Item", g_item_type) && add_type(module, "Block", g_block_type) &&
          add_type(module, "Parameter", g_parameter_type) &&

@@ -322,6 +322,30 @@ static void walk_odd_places(void) {
   sbdc_document_free(document);
 }
 
+/* The text as it was read has the old names, which the new ones begin like. */
+static void walk_renamed(void) {
+  sbdc_document* const document =
+      make_document("device d { abc = 1; r <d.abc>; module\n  mno { x = 1; } }");
+  sbdc_listing* listing = NULL;
+  const sbdc_item* item = find(document, "d.mno", &listing);
+  EXPECT_NUMBER(item->name_position.line, 2);
+  EXPECT_NUMBER(item->name_position.column, 3);
+  EXPECT_NUMBER(item->name_position.length, 3);
+  EXPECT_NUMBER(item->position.line, 1);
+  sbdc_listing_free(listing);
+  EXPECT_STATUS(sbdc_rename(document, "d.abc", "ab", 1), SBDC_OK);
+  EXPECT_STATUS(sbdc_rename(document, "d.mno", "mn", 1), SBDC_OK);
+  item = find(document, "d.ab", &listing);
+  EXPECT_TEXT(item->name, "d.ab");
+  EXPECT_NUMBER(item->name_position.line, 0);
+  EXPECT_NUMBER(item->position.line, 1);
+  sbdc_listing_free(listing);
+  item = find(document, "d.mn", &listing);
+  EXPECT_NUMBER(item->name_position.line, 0);
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+}
+
 void test_walks(void) {
   sbdc_document* const document = make_document(k_text);
   walk_in_parts(document);
@@ -329,6 +353,7 @@ void test_walks(void) {
   sbdc_document_free(document);
   walk_in_vain();
   walk_odd_places();
+  walk_renamed();
 }
 
 /* ---- Lists in lists ---- */
