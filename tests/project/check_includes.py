@@ -10,6 +10,7 @@ import sys
 
 KNOWS = {
     "capi": {"capi", "h", "host", "sbd"},
+    "python": {"capi"},
     "h": {"h"},
     "host": {"h", "host"},
     "sbd": {"h", "sbd"},
