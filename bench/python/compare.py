@@ -5,6 +5,7 @@ time. C++ and Python take turns: each gives the best of some rounds, and the rat
 the median of those of all turns.
 """
 
+import platform
 import statistics
 import subprocess
 import sys
@@ -70,6 +71,7 @@ def main():
     for what, found in ratios.items():
         ratio = statistics.median(found)
         print(f"| {what} | {ratio:.2f} | <= {TARGET} | {'pass' if ratio <= TARGET else 'miss'} |")
+    print(f"\nPython {platform.python_version()}")
 
 
 if __name__ == "__main__":
