@@ -641,8 +641,10 @@ bool make_texts(PyObject** made, const char* const* texts, int count) {
 }
 
 bool make_type(PyTypeObject*& type, PyType_Spec& spec, PyTypeObject* base = nullptr) {
-  type = reinterpret_cast<PyTypeObject*>(
-      PyType_FromSpecWithBases(&spec, reinterpret_cast<PyObject*>(base)));
+  PyObject* const bases = base != nullptr ? PyTuple_Pack(1, base) : nullptr;
+  if (base != nullptr && bases == nullptr) return false;
+  type = reinterpret_cast<PyTypeObject*>(PyType_FromSpecWithBases(&spec, bases));
+  Py_XDECREF(bases);
   return type != nullptr;
 }
 
