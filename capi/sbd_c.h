@@ -67,14 +67,15 @@ SBDC_API const char* sbdc_version(void);
 /* A place in the text of a file as it was read. Offset and length are in bytes, the offset counts
  * from 0; line and column count from 1, columns in bytes. A line of 0 means that there is none. */
 typedef struct sbdc_position {
-  uint32_t offset;
-  uint32_t length;
-  uint32_t line;
-  uint32_t column;
+  uint32_t offset; /* From 0 on. */
+  uint32_t length; /* In bytes. */
+  uint32_t line;   /* From 1 on; 0 for no place. */
+  uint32_t column; /* From 1 on. */
 } sbdc_position;
 
 /* ---- Findings ------------------------------------------------------------------------------ */
 
+/* How grave a finding is. */
 typedef enum sbdc_severity {
   SBDC_ERROR = 0,
   SBDC_WARNING = 1,
@@ -83,7 +84,7 @@ typedef enum sbdc_severity {
 
 /* Something that the library has to say. */
 typedef struct sbdc_finding {
-  sbdc_severity severity;
+  sbdc_severity severity; /* How grave it is. */
   int32_t number;         /* The number of the message; 0 for one that is not in the catalogue. */
   const char* key;        /* Its key, such as "ESBD_SBD_SYNTAX_ERROR"; "" without a number. */
   const char* text;       /* What it says, in English. */
@@ -138,6 +139,7 @@ SBDC_API void sbdc_text_free(char* text);
 
 /* ---- Listings ------------------------------------------------------------------------------ */
 
+/* How a value is written. */
 typedef enum sbdc_value_kind {
   SBDC_DECIMAL = 0, /* Whole numbers from 0 to 4294967295 in four bases. */
   SBDC_OCTAL = 1,
@@ -153,6 +155,7 @@ typedef enum sbdc_value_kind {
   SBDC_WORD = 11      /* A text without quotes. */
 } sbdc_value_kind;
 
+/* What stands behind a number. */
 typedef enum sbdc_unit {
   SBDC_NO_UNIT = 0,
   SBDC_K = 1,
@@ -162,24 +165,27 @@ typedef enum sbdc_unit {
   SBDC_MHZ = 5
 } sbdc_unit;
 
+/* A value, or an element of one. */
 typedef struct sbdc_value {
-  sbdc_value_kind kind;
-  sbdc_unit unit;
-  double number;      /* Numbers: times the unit. SBDC_BOOLEAN: 1 or 0. Otherwise 0. */
-  double unscaled;    /* Numbers: as written. */
-  const char* text;   /* SBDC_STRING: without its quotes. SBDC_REFERENCE: as written. Else "". */
-  const char* target; /* SBDC_REFERENCE: the full name of what it refers to. Else "". */
+  sbdc_value_kind kind; /* How it is written; tells which of the members below count. */
+  sbdc_unit unit;       /* Numbers; else SBDC_NO_UNIT. */
+  double number;        /* Numbers: times the unit. SBDC_BOOLEAN: 1 or 0. Otherwise 0. */
+  double unscaled;      /* Numbers: as written. */
+  const char* text;     /* SBDC_STRING: without its quotes. SBDC_REFERENCE: as written. Else "". */
+  const char* target;   /* SBDC_REFERENCE: the full name of what it refers to. Else "". */
   uint32_t first_element; /* SBDC_LIST and SBDC_REFERENCES: see sbdc_listing_element. */
-  uint32_t element_count;
-  sbdc_position position;
+  uint32_t element_count; /* Of that list; 0 for other kinds. */
+  sbdc_position position; /* With its unit, quotes or braces. */
 } sbdc_value;
 
+/* An attribute of a parameter. */
 typedef struct sbdc_attribute {
-  const char* key;
-  const char* value; /* NULL for a bare key. */
-  sbdc_position position;
+  const char* key;        /* As written. */
+  const char* value;      /* NULL for a bare key. */
+  sbdc_position position; /* Key and value. */
 } sbdc_attribute;
 
+/* What an item is; one bit each. */
 typedef enum sbdc_item_kind {
   SBDC_BLOCK = 1,
   SBDC_PARAMETER = 2, /* An assignment. */
@@ -188,15 +194,15 @@ typedef enum sbdc_item_kind {
 
 /* A block or a statement. */
 typedef struct sbdc_item {
-  const char* name; /* The full name, spelled as declared. */
-  const char* type; /* SBDC_BLOCK: the type keyword as written. Else "". */
-  sbdc_item_kind kind;
+  const char* name;            /* The full name, spelled as declared. */
+  const char* type;            /* SBDC_BLOCK: the type keyword as written. Else "". */
+  sbdc_item_kind kind;         /* Which of the members below count. */
   uint32_t depth;              /* How many blocks are around it. */
   sbdc_position position;      /* A block to its "}", a statement to its ";". */
   sbdc_position name_position; /* The declared name. */
-  sbdc_value value;
-  uint32_t first_attribute; /* See sbdc_listing_attribute. */
-  uint32_t attribute_count;
+  sbdc_value value;            /* Of a block: SBDC_NO_VALUE. */
+  uint32_t first_attribute;    /* See sbdc_listing_attribute. */
+  uint32_t attribute_count;    /* SBDC_PARAMETER; else 0. */
 } sbdc_item;
 
 /* A picture of a document, or of a part of it, at the time when it was made: later edits do not
@@ -227,18 +233,18 @@ SBDC_API const sbdc_attribute* sbdc_listing_attribute(const sbdc_listing* listin
  * the other, `item_size` bytes apart, and so do their names in the same order, each with its NUL;
  * all names together have `name_length` bytes. */
 typedef struct sbdc_listing_view {
-  const sbdc_item* items;
-  size_t item_count;
-  size_t item_size;
-  const char* names;
-  size_t name_length;
+  const sbdc_item* items; /* The first one; may be NULL when there are none. */
+  size_t item_count;      /* How many there are. */
+  size_t item_size;       /* Bytes from one to the next: sizeof(sbdc_item) or more. */
+  const char* names;      /* The first one's; may be NULL when there are none. */
+  size_t name_length;     /* Of all names, in bytes. */
 } sbdc_listing_view;
 SBDC_API sbdc_status sbdc_listing_get_view(const sbdc_listing* listing, sbdc_listing_view* view);
 
-/* A way through what sbdc_list would give, in parts: a large document need not be listed as a whole.
- * It ends with the next function with the document that is not const, or when the document is
- * freed: sbdc_walk_next gives SBDC_MISUSE in the one case, and must not be called in the other. The
- * listings that it gave stay, as listings do. */
+/* A way through what sbdc_list would give, in parts: a large document need not be listed as a
+ * whole. It ends with the next function with the document that is not const, or when the document
+ * is freed: sbdc_walk_next gives SBDC_MISUSE in the one case, and must not be called in the other.
+ * The listings that it gave stay, as listings do. */
 typedef struct sbdc_walk sbdc_walk;
 
 /* A walk from the begin on; the caller frees it. */
@@ -256,6 +262,7 @@ SBDC_API sbdc_status sbdc_walk_next(sbdc_walk* walk, size_t most, sbdc_listing**
 /* Edits change what they are about, and leave every other byte of the text as it was typed. A
  * refused edit gives SBDC_REFUSED, with findings that tell why, and changes nothing. */
 
+/* Where something new is put among the members of its block. */
 typedef enum sbdc_place { SBDC_AT_END = 0, SBDC_BEFORE = 1, SBDC_BEHIND = 2 } sbdc_place;
 
 /* Sets a parameter to a value in the notation of the format: 32, 0x40K, 50MHz, -1.5, true, name,
@@ -347,6 +354,7 @@ SBDC_API const sbdc_finding* sbdc_device_finding_at(const sbdc_device* device, s
 SBDC_API const char* sbdc_device_chip(const sbdc_device* device);
 SBDC_API const char* sbdc_device_module(const sbdc_device* device);
 
+/* What kind of value a parameter has. */
 typedef enum sbdc_parameter_type {
   SBDC_TYPE_BOOL = 0,
   SBDC_TYPE_INTEGER = 1, /* 0 to 4294967295. */
@@ -362,16 +370,17 @@ typedef enum sbdc_origin {
   SBDC_ABSENT_BLOCK_DEFAULT = 3   /* The default when its block is not there. */
 } sbdc_origin;
 
+/* A parameter of the stripe, as it is and as it may be. */
 typedef struct sbdc_parameter {
   const char* name; /* Relative to the stripe's module, in lower case: "sdram.data_width". */
-  sbdc_parameter_type type;
-  sbdc_origin origin;
-  int has_value;          /* 0: it has none, and `number` and `text` are 0 and "". */
-  int is_required;        /* 1: the file has to state it, as the other settings are. */
-  double number;          /* The value, times its unit; 1 or 0 for a Boolean. */
-  const char* text;       /* The value of a text. */
-  const char* allowed;    /* The values that are allowed, in English: "one of: 8, 16, 32". */
-  sbdc_position position; /* Its statement; line 0 if the file does not state it. */
+  sbdc_parameter_type type; /* Of its value. */
+  sbdc_origin origin;       /* Where its value comes from. */
+  int has_value;            /* 0: it has none, and `number` and `text` are 0 and "". */
+  int is_required;          /* 1: the file has to state it, as the other settings are. */
+  double number;            /* The value, times its unit; 1 or 0 for a Boolean. */
+  const char* text;         /* The value of a text. */
+  const char* allowed;      /* The values that are allowed, in English: "one of: 8, 16, 32". */
+  sbdc_position position;   /* Its statement; line 0 if the file does not state it. */
 } sbdc_parameter;
 
 /* Parameter number `index` of those that the chip knows, in the order in which they are judged, or
@@ -383,6 +392,7 @@ SBDC_API const sbdc_parameter* sbdc_device_parameter(const sbdc_device* device, 
 SBDC_API const sbdc_parameter* sbdc_device_find_parameter(const sbdc_device* device,
                                                           const char* name);
 
+/* The clocks that follow from the settings. */
 typedef enum sbdc_clock { SBDC_AHB1 = 1, SBDC_AHB2 = 2, SBDC_SDRAM = 3 } sbdc_clock;
 
 /* A frequency that follows from the settings, in hertz if the file gives the input clock with a

@@ -3,9 +3,9 @@
 
 The headers are written for people who read them as they are. What belongs to what follows from the
 layout: a comment above belongs to all declarations down to the next empty line or comment, and a
-comment behind a declaration to that one, with the lines of comment that follow it further in. Data,
-types and operators without a comment are what the comment of their record, or of their file, speaks
-of. Functions have no such excuse.
+comment behind a declaration to that one, with the lines of comment that follow it further in. What is
+named m_... is the library's own, as the comment of its record says, and what operators do goes without
+saying. Nothing else has an excuse for having no comment.
 """
 
 import pathlib
@@ -44,12 +44,9 @@ def mark_comments(lines):
             yield C_ABOVE.sub(r"\1/** ", line)
 
 
-DATA = re.compile(r"^\s*(?!\s|return|friend|enum|public|private|protected|case|#|\}|///)"
-                  r"[\w:<>*&\[\], ]+( = [^()]*|\{[^()]*\})?;\s*$")
-TYPE = re.compile(r"^\s*(using|enum|struct|class|typedef (struct|enum|union))\b.*([{=]|[^)];)\s*$")
+OWN_DATA = re.compile(r"^ .*\bm_\w+( = [^()]*|\{[^()]*\})?;\s*$")
 KEYWORD = re.compile(r"^extern SBD_API const char\* const SBD_VEL_(\w+);$")
 ALLOCATOR = re.compile(r"^class \w+_ALLOCATOR \{")
-FORWARD = re.compile(r"^\s*(class|struct) \w+;")
 OPERATOR = re.compile(r"^\s+.*\boperator\b.*[;{}]\s*$")
 
 
@@ -66,19 +63,18 @@ def leave_out_allocators(lines):
             yield "/// @cond"
 
 
-def excuse_data(lines):
-    """Data, types and operators without a comment refer to the one that speaks of them."""
+def excuse_the_obvious(lines):
+    """Keywords are what their names say; the library's own data and operators need no comment."""
     before = ""
     for line in lines:
         has_own = "///" in line or "/**" in line or is_comment(before) or before.lstrip() == "///@{"
-        is_data = DATA.match(line) and not FORWARD.match(line) and line.startswith(" ")
         keyword = KEYWORD.match(line)
         if keyword and not has_own:
             line += f'  ///< "{keyword.group(1).lower()}"'
-        elif not has_own and is_data:
-            line += "  ///< See the description of the record."
-        elif not has_own and (TYPE.match(line) or OPERATOR.match(line)) and not FORWARD.match(line):
-            yield "/// See the description above."
+        elif not has_own and OWN_DATA.match(line):
+            line += "  ///< The library's own."
+        elif not has_own and OPERATOR.match(line):
+            yield "/// As for every such type."
         before = line
         yield line
 
@@ -119,4 +115,4 @@ while head < len(lines) and lines[head].startswith("//"):
     head += 1
 about = ["/** @file"] + [line[2:] for line in lines[:head]] + ["*/"] if head else []
 rest = group_paragraphs(mark_comments(leave_out_allocators(lines[head:])))
-sys.stdout.write("\n".join(about + list(excuse_data(rest))) + "\n")
+sys.stdout.write("\n".join(about + list(excuse_the_obvious(rest))) + "\n")

@@ -48,6 +48,7 @@ class HOST_API MSG_BASE : public MSG_POST {
   void post(MSG_REPORT* target) override;
 
  protected:
+  // How grave a message is.
   enum SEVERITY { ERROR_SEVERITY = 0, WARNING_SEVERITY = 1, DEBUG_SEVERITY = 2 };
   MSG_BASE(SEVERITY severity, MSG_REPORT* parent);  // Not filled yet.
 

@@ -14,11 +14,12 @@
 
 namespace sbd_host {
 
+// How grave a message is.
 enum class SEVERITY { ERROR, WARNING, DEBUG };
 
 // A posted message. The texts live until the handler returns.
 struct MESSAGE {
-  SEVERITY severity;
+  SEVERITY severity;          // How grave it is.
   int number;                 // The message's number; 0 for a debug message.
   const char* text_template;  // As filled in, text "/" key.
   const char* key;            // The part of the template behind its last "/"; "" if it has none.
@@ -26,6 +27,7 @@ struct MESSAGE {
   const char* module;         // The module's tag; "" if none was set.
 };
 
+// Receives a message.
 using MESSAGE_HANDLER = std::function<void(const MESSAGE&)>;
 
 // Installs what receives every posted message; an empty function brings back the default, which
@@ -34,12 +36,13 @@ HOST_API void set_message_handler(MESSAGE_HANDLER handler);
 
 // A condition of the library's code that did not hold.
 struct INTERNAL_ERROR {
-  const char* condition;
-  const char* module;
-  const char* source;  // Source file without path and extension.
-  int line;
+  const char* condition;  // As it stands in the code.
+  const char* module;     // The module's tag.
+  const char* source;     // Source file without path and extension.
+  int line;               // In that file.
 };
 
+// Receives an internal error.
 using INTERNAL_ERROR_HANDLER = std::function<void(const INTERNAL_ERROR&)>;
 
 // Installs what receives every internal error; an empty function brings back the default, which
@@ -51,8 +54,8 @@ HOST_API void set_internal_error_handler(INTERNAL_ERROR_HANDLER handler);
 
 // What a module holds at the moment, and what it took so far.
 struct MEMORY_ACCOUNT {
-  std::size_t live_bytes;  // Bytes as asked for, without the manager's own overhead.
-  std::size_t live_blocks;
+  std::size_t live_bytes;         // Bytes as asked for, without the manager's own overhead.
+  std::size_t live_blocks;        // Allocations that were not released yet.
   std::size_t total_allocations;  // Since the program started.
   std::size_t peak_bytes;         // The most that was ever live.
 };
@@ -65,12 +68,13 @@ HOST_API bool is_module_registered(const char* module_tag);
 
 // One allocation or release, told after it was done.
 struct MEMORY_EVENT {
-  bool is_allocation;  // False for a release.
-  const char* module_tag;
-  std::size_t size;
-  const void* block;
+  bool is_allocation;      // False for a release.
+  const char* module_tag;  // Whose memory it is.
+  std::size_t size;        // In bytes, as asked for.
+  const void* block;       // Where it is, or was.
 };
 
+// Is told of an allocation or a release.
 using MEMORY_HOOK = std::function<void(const MEMORY_EVENT&)>;
 
 // Installs what is told of every allocation and release; an empty function removes it. The hook is

@@ -22,6 +22,7 @@
 class SBD_JOINED_NAME;
 class SBD_STORE;  // What a document keeps besides its records: memory, source text, name index.
 
+// A document: the tree of a descriptor, its names, and the text that it was read from.
 class SBD_API SBD_FILE_PARSER {
  public:
   struct SBD_BLOCK;
@@ -43,9 +44,10 @@ class SBD_API SBD_FILE_PARSER {
 
   // A block, a statement or a line of comment.
   struct SBD_NODE : SBD_RECORD {
+    // What a node is.
     enum NODE_TYPE : std::uint16_t { NT_BLOCK = 0, NT_STATEMENT = 1, NT_COMMENT = 2 };
 
-    NODE_TYPE type = NT_COMMENT;
+    NODE_TYPE type = NT_COMMENT;     // Tells which member of the union counts.
     std::uint16_t m_references = 0;  // How many references have found this node; 65535 for more.
     std::uint32_t m_position = 0;    // 1 + offset in the source; 0 when no file was read for it.
     SBD_NODE* next = nullptr;        // The next sibling.
@@ -58,6 +60,7 @@ class SBD_API SBD_FILE_PARSER {
 
   // type name { members }
   struct SBD_BLOCK : SBD_RECORD {
+    // The type keywords.
     enum BLOCK_TYPE : std::uint32_t {
       BT_DEVICE = 0,
       BT_BUS = 1,
@@ -69,21 +72,22 @@ class SBD_API SBD_FILE_PARSER {
       BT_UNKNOWN = 7
     };
 
-    BLOCK_TYPE block_type = BT_UNKNOWN;
-    std::uint32_t m_end_position = 0;  // Offset just behind the "}"; 0 when none was read.
-    char* type = nullptr;              // The type keyword as written.
-    SBD_SYMBOL* name = nullptr;
-    SBD_NODE* members = nullptr;    // First member; null for an empty block.
-    SBD_NODE* m_last = nullptr;     // Last member, as far as known.
-    void* m_scope_table = nullptr;  // Where the members' names are found.
+    BLOCK_TYPE block_type = BT_UNKNOWN;  // What the keyword stands for.
+    std::uint32_t m_end_position = 0;    // Offset just behind the "}"; 0 when none was read.
+    char* type = nullptr;                // The type keyword as written.
+    SBD_SYMBOL* name = nullptr;          // Its name in the scope around it.
+    SBD_NODE* members = nullptr;         // First member; null for an empty block.
+    SBD_NODE* m_last = nullptr;          // Last member, as far as known.
+    void* m_scope_table = nullptr;       // Where the members' names are found.
   };
 
   // name = value [attributes];    or    name < references >;
   struct SBD_STATEMENT : SBD_RECORD {
+    // The two forms above.
     enum STATEMENT_TYPE : std::uint32_t { ST_ASSIGNMENT = 0, ST_REFERENCE = 1 };
 
-    STATEMENT_TYPE type = ST_ASSIGNMENT;
-    SBD_SYMBOL* name = nullptr;
+    STATEMENT_TYPE type = ST_ASSIGNMENT;  // Tells which member of the union counts.
+    SBD_SYMBOL* name = nullptr;           // Its name in its block.
     union {
       SBD_PARA_VALUE* value = nullptr;  // ST_ASSIGNMENT
       SBD_PARA_REF* reference;          // ST_REFERENCE: first element
@@ -120,6 +124,7 @@ class SBD_API SBD_FILE_PARSER {
 
   // A value as written: kind, number or text, and unit. Numbers are kept unscaled.
   struct SBD_PARA_VALUE : SBD_RECORD {
+    // How a value is written.
     enum VALUE_TYPE : std::uint32_t {
       VT_UDECIMAL = 0,
       VT_OCTAL = 1,
@@ -130,6 +135,7 @@ class SBD_API SBD_FILE_PARSER {
       VT_STRING = 6,
       VT_LIST = 7
     };
+    // What stands behind a number: none, K, M, G, Hz, MHz.
     enum QUANTITY_UNIT : std::uint32_t {
       QU_NONE = 0,
       QU_KB = 1,
@@ -139,40 +145,41 @@ class SBD_API SBD_FILE_PARSER {
       QU_MHZ = 5
     };
 
-    VALUE_TYPE type = VT_UDECIMAL;
-    std::uint32_t m_position = 0;  // As in SBD_NODE.
+    VALUE_TYPE type = VT_UDECIMAL;  // Tells which member of the union counts.
+    std::uint32_t m_position = 0;   // As in SBD_NODE.
     union {
       double number = 0;     // VT_UDECIMAL to VT_FLOAT; integers lie in 0 to 4294967295
       std::uint32_t flag;    // VT_BOOL: 1 or 0
       char* text;            // VT_STRING: the text as written, with its quotes if it has any
       SBD_VALUE_LIST* list;  // VT_LIST
     };
-    QUANTITY_UNIT unit = QU_NONE;
-    std::uint32_t m_length = 0;  // Bytes in the source, from m_position on.
+    QUANTITY_UNIT unit = QU_NONE;  // Of a number.
+    std::uint32_t m_length = 0;    // Bytes in the source, from m_position on.
   };
 
   // One element of a reference list.
   struct SBD_PARA_REF : SBD_RECORD {
     char* name = nullptr;        // As written; a leading "." means relative to the enclosing block.
     SBD_NODE* target = nullptr;  // What the name stands for; null until it is resolved.
-    SBD_PARA_REF* next = nullptr;
+    SBD_PARA_REF* next = nullptr;  // The next element.
     std::uint32_t m_position = 0;  // As in SBD_NODE.
   };
 
   // One attribute of an assignment.
   struct SBD_PARA_ATTR : SBD_RECORD {
-    char* attr_key = nullptr;    // Never null in a document.
-    char* attr_value = nullptr;  // Null for a bare key.
-    SBD_PARA_ATTR* next = nullptr;
-    std::uint32_t m_position = 0;  // As in SBD_NODE.
+    char* attr_key = nullptr;       // Never null in a document.
+    char* attr_value = nullptr;     // Null for a bare key.
+    SBD_PARA_ATTR* next = nullptr;  // The next attribute.
+    std::uint32_t m_position = 0;   // As in SBD_NODE.
   };
 
   // A declared name.
   struct SBD_SYMBOL : SBD_RECORD {
+    // What a name is declared for; a parameter is a statement of either type.
     enum SYMBOL_TYPE : std::uint16_t { SYM_BLOCK = 0, SYM_PARAMETER = 1 };
 
     std::uint32_t line = 0;  // Line of the declaring name; 0 when no file was read for it.
-    SYMBOL_TYPE type = SYM_PARAMETER;
+    SYMBOL_TYPE type = SYM_PARAMETER;  // What it is declared for.
     std::uint16_t m_tag = 0;   // Digest of the name; not 0 just for names that the reader entered.
     char* name = nullptr;      // As written.
     SBD_NODE* node = nullptr;  // The node that declares the name.
@@ -192,7 +199,7 @@ class SBD_API SBD_FILE_PARSER {
   // the one entered first.
   class SBD_SYMBOL_TABLE : public SBD_VECTOR<SBD_SYMBOL*> {
    public:
-    static constexpr std::size_t k_bucket_count = 211;
+    static constexpr std::size_t k_bucket_count = 211;  // Of every table.
     // An empty table; `store` is that of the document, or null for a table without one.
     explicit SBD_SYMBOL_TABLE(SBD_STORE* store)
         : SBD_VECTOR<SBD_SYMBOL*>(k_bucket_count, nullptr), m_store(store) {}
@@ -204,17 +211,17 @@ class SBD_API SBD_FILE_PARSER {
 
   // What the parser works on.
   struct SBD_PARSER_PARA {
-    SBD_SYMBOL_TABLE* symbol_table = nullptr;
-    SBD_NODE* root = nullptr;       // First top-level node; null for an empty document.
-    std::uint32_t error_count = 0;  // Syntax errors of the current parse.
+    SBD_SYMBOL_TABLE* symbol_table = nullptr;  // All declared names.
+    SBD_NODE* root = nullptr;                  // First top-level node; null for an empty document.
+    std::uint32_t error_count = 0;             // Syntax errors of the current parse.
   };
 
   // A place in the text that was read. Lines and columns count from 1, columns in bytes.
   struct SBD_SOURCE_RANGE {
-    std::size_t offset = 0;
-    std::size_t length = 0;
-    unsigned long line = 0;
-    unsigned long column = 0;
+    std::size_t offset = 0;    // In bytes, from 0 on.
+    std::size_t length = 0;    // In bytes.
+    unsigned long line = 0;    // Of its first byte.
+    unsigned long column = 0;  // Of its first byte.
   };
 
   // ---- Document --------------------------------------------------------------------------

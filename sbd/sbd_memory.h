@@ -17,12 +17,15 @@ struct SBD_MEMORY_MODULE {
   static const char* tag() noexcept { return "SBD"; }  // A static string.
 };
 
+// Standard allocator over the host's memory manager.
 template <class T>
 using SBD_ALLOCATOR = MEM_STL_ALLOCATOR<T, SBD_MEMORY_MODULE>;
 
+// The standard containers with it.
 using SBD_STRING = std::basic_string<char, std::char_traits<char>, SBD_ALLOCATOR<char>>;
 using SBD_STRING_LIST = std::list<SBD_STRING, SBD_ALLOCATOR<SBD_STRING>>;
 
+// The same.
 template <class T>
 using SBD_VECTOR = std::vector<T, SBD_ALLOCATOR<T>>;
 

@@ -85,11 +85,13 @@ struct SBD_PARAMETER_FAULT {
   const SBD_FILE_PARSER::SBD_NODE* block = nullptr;      // Where it belongs; null if not there.
 };
 
+// Reads, keeps and validates the parameters of one module.
 class SBD_API SBD_PARAMETER_READER {
  public:
   // The value of one parameter and what is known about it.
   class SBD_API SBD_PARAMETER_VALUE {
    public:
+    // The types of parameters.
     enum VALUE_TYPE : std::uint32_t {
       BOOL_VALUE = 0,
       DWORD_VALUE = 1,
@@ -122,10 +124,12 @@ class SBD_API SBD_PARAMETER_READER {
   // The names and records of a reader, by bytes of the name. Any kind of string finds a name.
   using SBD_PARAMETER_NAME =
       std::basic_string<char, std::char_traits<char>, SBD_PARAMETER_ALLOCATOR<char>>;
+  // Orders names by their bytes.
   struct SBD_PARAMETER_NAME_LESS {
-    using is_transparent = void;
+    using is_transparent = void;  // Other kinds of strings need not be copied.
     bool operator()(std::string_view left, std::string_view right) const { return left < right; }
   };
+  // Names with their records.
   using SBD_PARAMETER_MAP =
       std::map<SBD_PARAMETER_NAME, SBD_PARAMETER_VALUE, SBD_PARAMETER_NAME_LESS,
                SBD_PARAMETER_ALLOCATOR<std::pair<const SBD_PARAMETER_NAME, SBD_PARAMETER_VALUE>>>;

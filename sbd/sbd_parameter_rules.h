@@ -23,15 +23,17 @@
 
 // A test of one setting. A setting without value counts as false or "".
 struct SBD_RULE_CONDITION {
+  // What can be tested.
   enum TEST : std::uint32_t { RT_IS_TRUE = 0, RT_IS_FALSE = 1, RT_IS_TEXT = 2, RT_IS_NOT_TEXT = 3 };
 
   const char* reference;  // The setting.
-  TEST test;
-  const char* text;  // What a text is compared with; null in tests of a Boolean.
+  TEST test;              // What has to be so.
+  const char* text;       // What a text is compared with; null in tests of a Boolean.
 };
 
 // The values that a parameter may have.
 struct SBD_VALUE_SET {
+  // How the values are told.
   enum KIND : std::uint32_t {
     VS_ANY = 0,      // Any value of the parameter's type.
     VS_FALSE = 1,    // false
@@ -40,44 +42,46 @@ struct SBD_VALUE_SET {
     VS_TEXTS = 4     // One of `texts`.
   };
 
-  KIND kind;
-  unsigned long low;
-  unsigned long high;
-  const unsigned long* numbers;
-  const char* const* texts;
-  std::size_t count;  // Of `numbers` or `texts`.
+  KIND kind;                     // Which of the members below count.
+  unsigned long low;             // VS_RANGE
+  unsigned long high;            // VS_RANGE
+  const unsigned long* numbers;  // VS_NUMBERS; else null.
+  const char* const* texts;      // VS_TEXTS, in lower case; else null.
+  std::size_t count;             // Of `numbers` or `texts`.
 };
 
 // The values that a parameter may have, as the settings are.
 struct SBD_VALUE_RULE {
-  const char* reference;
-  SBD_VALUE_SET values;
+  const char* reference;  // The parameter, relative to the stripe's module.
+  SBD_VALUE_SET values;   // Those that are allowed.
   // When there are exceptions and all of them hold, these values are allowed instead.
   const SBD_RULE_CONDITION* exceptions;
-  std::size_t exception_count;
-  SBD_VALUE_SET exception_values;
+  std::size_t exception_count;     // 0 when there are none.
+  SBD_VALUE_SET exception_values;  // Of use only with exceptions.
 };
 
 // When a parameter has to be stated.
 struct SBD_REQUIREMENT_RULE {
-  const char* reference;
-  SBD_RULE_CONDITION condition;
+  const char* reference;         // The parameter, relative to the stripe's module.
+  SBD_RULE_CONDITION condition;  // It is required when this holds.
 };
 
 // ---- A parameter of a chip ---------------------------------------------------------------------
 
+// What is laid down for a parameter.
 struct SBD_PARAMETER_RULE {
-  using VALUE = SBD_PARAMETER_READER::SBD_PARAMETER_VALUE;
+  using VALUE = SBD_PARAMETER_READER::SBD_PARAMETER_VALUE;  // With its type.
 
   SBD_STRING reference;                  // In lower case.
   const char* block_name = nullptr;      // Path below the stripe's module; null: the module itself.
   const char* parameter_name = nullptr;  // Inside that block.
-  VALUE::VALUE_TYPE type = VALUE::BOOL_VALUE;
+  VALUE::VALUE_TYPE type = VALUE::BOOL_VALUE;  // Of its value and defaults.
 
   // The defaults; their m_has_value is false where there is none. (A string then reads as "".)
   VALUE present_block_default{false, false, false};  // Its block is there and does not state it.
   VALUE absent_block_default{false, false, false};   // Its block is not there.
 
+  // Whether it has to be stated.
   SBD_VELDRAN_PARAMETER_READER::REQUIRED requirement = SBD_VELDRAN_PARAMETER_READER::RQ_OPTIONAL;
   const SBD_RULE_CONDITION* condition = nullptr;  // RQ_BY_RULE: when it is required; else null.
 
@@ -101,25 +105,27 @@ SBD_API bool sbd_get_parameter_names(SBD_VELDRAN::CHIP_TYPE chip,
 
 // A setting that a rule looks at, as it is.
 struct SBD_RULE_SETTING {
-  SBD_STRING reference;
+  SBD_STRING reference;  // Relative to the stripe's module.
+  // With its default, if it has one and is not stated.
   SBD_PARAMETER_READER::SBD_PARAMETER_VALUE value{false, false, false};
-  SBD_PARAMETER_ORIGIN origin = PO_NONE;
+  SBD_PARAMETER_ORIGIN origin = PO_NONE;  // Where that comes from.
   // Its statement in the document, or null; valid as long as the node below.
   const SBD_FILE_PARSER::SBD_NODE* statement = nullptr;
 };
 
+// A parameter as the document that was read has it.
 struct SBD_PARAMETER_STATE {
-  // The value that get_parameter gives, and where it came from when the document was read.
+  // The value that get_parameter gives.
   SBD_PARAMETER_READER::SBD_PARAMETER_VALUE value{false, false, false};
-  SBD_PARAMETER_ORIGIN origin = PO_NONE;
+  SBD_PARAMETER_ORIGIN origin = PO_NONE;  // Where it came from when the document was read.
 
   // Its statement, and the block where it belongs, as the document is now; null where there is
   // none. They are the document's and valid until it is edited, cleared or read again. get_range of
   // the document tells their places.
   const SBD_FILE_PARSER::SBD_NODE* statement = nullptr;
-  const SBD_FILE_PARSER::SBD_NODE* block = nullptr;
+  const SBD_FILE_PARSER::SBD_NODE* block = nullptr;  // As said above.
 
-  bool is_required = false;
+  bool is_required = false;                           // It has to be stated, as the settings are.
   SBD_VECTOR<SBD_RULE_SETTING> requirement_settings;  // What made it required, or not.
 
   // The values that the rule allows as the settings are; null when every value of the type is good.

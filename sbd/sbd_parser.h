@@ -38,11 +38,11 @@ class SBD_API FlexLexer {
   // Where a match stands: its first byte with line and column, its length, and the line counter
   // behind it. Columns count bytes from 1.
   struct LOCATION {
-    std::size_t offset = 0;
-    std::size_t length = 0;
-    std::uint32_t first_line = 1;
-    std::size_t column = 1;
-    std::uint32_t line = 1;
+    std::size_t offset = 0;        // In bytes, from 0 on.
+    std::size_t length = 0;        // In bytes.
+    std::uint32_t first_line = 1;  // Of its first byte.
+    std::size_t column = 1;        // Of its first byte.
+    std::uint32_t line = 1;        // The counter behind the match.
   };
 
   virtual ~FlexLexer();

@@ -26,18 +26,20 @@ class SBD_SOURCE_STATE;  // The tree, the text, and what was edited.
 // a sibling, which is named by its own name inside the block. A comment line that stands above a
 // sibling is not part of it. An unknown kind is an internal error, and the edit is refused.
 struct SBD_PLACE {
+  // At the end of the block, or beside the sibling.
   enum KIND { AT_END, BEFORE, BEHIND };
 
   static SBD_PLACE before(const char* name) { return {BEFORE, name}; }  // Keeps the pointer.
   static SBD_PLACE behind(const char* name) { return {BEHIND, name}; }  // Keeps the pointer.
 
-  KIND kind = AT_END;
-  const char* sibling = nullptr;
+  KIND kind = AT_END;             // Which of these.
+  const char* sibling = nullptr;  // Its own name; of no meaning with AT_END.
 };
 
+// A descriptor as text and tree.
 class SBD_API SBD_SOURCE_DOCUMENT {
  public:
-  using PLACE = SBD_PLACE;
+  using PLACE = SBD_PLACE;  // Where something new stands.
 
   // An empty document with an empty text.
   SBD_SOURCE_DOCUMENT() noexcept;

@@ -18,9 +18,12 @@
 #include "sbd/sbd_memory.h"
 #include "sbd/sbd_parameter_reader.h"
 
+// A document of which one device block is the device in question.
 class SBD_API SBD_VELDRAN : public SBD_FILE_PARSER {
  public:
+  // The families of devices.
   enum DEVICE_FAMILY : std::uint32_t { DF_ARM = 0, DF_MIPS = 1, DF_UNKNOWN = 2 };
+  // The chips: three of the ARM-based family, three of the MIPS-based one.
   enum CHIP_TYPE : std::uint32_t {
     CT_QMXA10 = 0,
     CT_QMXA4 = 1,
@@ -30,6 +33,7 @@ class SBD_API SBD_VELDRAN : public SBD_FILE_PARSER {
     CT_QMXM1 = 5,
     CT_UNKNOWN = 6
   };
+  // The processors of the stripe.
   enum PROCESSOR_TYPE : std::uint32_t { PT_ARM = 0, PT_MIPS = 1, PT_UNKNOWN = 2 };
 
   // An empty document, bound to the device block of that name. Null or "" binds it to none: files

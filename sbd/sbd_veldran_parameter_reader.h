@@ -35,16 +35,18 @@ struct SBD_PARAMETER_ROW {     // NOLINT: the order of the fields is fixed.
   VALUE absent_block_value;    // For a parameter whose block is not there; null: none.
 };
 
+// What all chips of the devices have in common.
 class SBD_API SBD_VELDRAN_PARAMETER_READER : public SBD_PARAMETER_READER {
  public:
   // When the descriptor has to state a parameter. A default does not stand in for it.
   enum REQUIRED : std::uint32_t { RQ_OPTIONAL = 0, RQ_ALWAYS = 1, RQ_BY_RULE = 2 };
 
-  using BOOL_ROW = SBD_PARAMETER_ROW<bool>;
+  using BOOL_ROW = SBD_PARAMETER_ROW<bool>;            // A Boolean.
   using DWORD_ROW = SBD_PARAMETER_ROW<unsigned long>;  // 32 bits.
-  using DOUBLE_ROW = SBD_PARAMETER_ROW<double>;
-  using STRING_ROW = SBD_PARAMETER_ROW<const char*>;  // The texts are those of the keywords.
+  using DOUBLE_ROW = SBD_PARAMETER_ROW<double>;        // A floating number.
+  using STRING_ROW = SBD_PARAMETER_ROW<const char*>;   // The texts are those of the keywords.
 
+  // How many parameters of each type there are.
   static constexpr std::size_t k_bool_rows = 59;
   static constexpr std::size_t k_dword_rows = 64;
   static constexpr std::size_t k_double_rows = 10;
@@ -123,6 +125,7 @@ class SBD_API SBD_QMXA_BASE_PARAMETER_READER : public SBD_VELDRAN_PARAMETER_READ
   bool validate_family_specific_parameter(const SBD_STRING& name, bool& valid) const override;
 };
 
+// The reader of the chip qmxa1.
 class SBD_API SBD_QMXA1_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
   // As that of the base class.
@@ -134,6 +137,7 @@ class SBD_API SBD_QMXA1_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER
   bool is_for_this_device(unsigned long device_mask) const override;
 };
 
+// The reader of the chip qmxa4.
 class SBD_API SBD_QMXA4_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
   // As that of the base class.
@@ -145,6 +149,7 @@ class SBD_API SBD_QMXA4_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER
   bool is_for_this_device(unsigned long device_mask) const override;
 };
 
+// The reader of the chip qmxa10.
 class SBD_API SBD_QMXA10_PARAMETER_READER : public SBD_QMXA_BASE_PARAMETER_READER {
  public:
   // As that of the base class.

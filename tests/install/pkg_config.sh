@@ -12,6 +12,10 @@ read -ra flags < <(pkg-config --cflags --libs sbd sbd_host)
 "$CXX" -std=c++17 "$source/with_host.cpp" -o "$build/with_host" "${flags[@]}"
 expect_output "$with_host_output" "$build/with_host" "$board"
 
+read -ra flags < <(pkg-config --cflags --libs sbd)
+"$CXX" -std=c++17 "$source/../../../examples/programs/own_host.cpp" -o "$build/own_host" "${flags[@]}"
+expect_output "$own_host_output" "$build/own_host" "$board"
+
 read -ra flags < <(pkg-config --cflags --libs sbd_c)
 "$CC" -std=c11 "$source/plain_c.c" -o "$build/plain_c" "${flags[@]}"
 expect_output "$plain_c_output" "$build/plain_c" "$board"
