@@ -169,7 +169,7 @@ class Document:
             if with_references:
                 self._edit("remove references", library.sbdc_remove_references, item.name)
             self._edit("remove", remove, item.name)
-            self._top_level = None
+            self._forget_top_level(item.name)
 
     def add_block(self, type: str, name: str, *, before: Optional[str] = None,
                   after: Optional[str] = None) -> None:
@@ -180,12 +180,13 @@ class Document:
             parent = self._full_name(parent)
         self._run("add block", library.sbdc_add_block, to_bytes(type), to_bytes(own_name),
                   to_bytes(parent), *_place(before, after))
-        self._top_level = None
+        self._forget_top_level(name)
 
     def rename(self, name: str, new_name: str, *, with_references: bool = True) -> None:
         """Gives a block or statement another own name; references to it follow."""
+        full_name = self._full_name(name)
         self._edit("rename", library.sbdc_rename, name, to_bytes(new_name), int(with_references))
-        self._top_level = None
+        self._forget_top_level(full_name)
 
     @contextmanager
     def edit(self) -> Iterator["Document"]:
@@ -259,6 +260,11 @@ class Document:
             walk = Walk(self, self._lock, handle)
             self._walks.add(walk)
         return chain.from_iterable(walk)
+
+    def _forget_top_level(self, changed: str) -> None:
+        """Finding it means to go through the whole document, so that is put off."""
+        if "." not in changed:
+            self._top_level = None
 
     def _has_quotes(self, full_name: str) -> bool:
         item = self._find(full_name)

@@ -95,6 +95,19 @@ class Editing(unittest.TestCase):
         self.document.set_attributes("d.a", {})
         self.assertEqual(self.document.find("d.a").attributes, {})
 
+    def test_short_names_follow_the_one_device(self):
+        self.document.rename("m", "n")
+        self.assertEqual(self.document["n.x"], 2)
+        self.document.rename("d", "e")
+        self.assertEqual((self.document["n.x"], self.document["e.n.x"]), (2, 2))
+        with self.assertRaises(RuntimeError):
+            with self.document.edit():
+                self.document.rename("e", "f")
+                self.assertEqual(self.document["f.n.x"], self.document["n.x"])
+                raise RuntimeError
+        self.assertEqual((self.document["n.x"], self.document["e.n.x"]), (2, 2))
+        self.assertNotIn("f.n.x", self.document)
+
     def test_a_device_that_is_added_ends_short_names(self):
         self.document.add_block("device", "e")
         self.document["e.a"] = 9
