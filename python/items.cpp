@@ -3,227 +3,25 @@
 // This part of the module is compiled since there are hundreds of thousands of them in a large
 // file: an object is made when the loop comes to it, and what it has to say when it is asked. It
 // keeps to the stable interface of Python, so that one wheel is for all of them.
-#define PY_SSIZE_T_CLEAN
-#include <Python.h>
-#include <structmember.h>
-
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <new>
 #include <vector>
 
 #include "capi/sbd_c.h"
+#include "python/objects.h"
+#include "python/position.h"
+
+using sbd_python::add_position_type;
+using sbd_python::add_type;
+using sbd_python::FREE_LIST;
+using sbd_python::get_attribute;
+using sbd_python::intern;
+using sbd_python::make_position;
+using sbd_python::make_type;
+using sbd_python::QUICK_ATTRIBUTE;
 
 namespace {
-
-// ---- Attributes that loops ask for -------------------------------------------------------------
-
-// Python takes longer to find a property than the property takes. The names of those that are asked
-// for again and again are compared first: names in programs are interned, so a pointer tells.
-struct QUICK_ATTRIBUTE {
-  const char* name;
-  PyObject* (*get)(PyObject* self);
-  PyObject* interned;
-};
-
-template <std::size_t COUNT>
-bool intern(QUICK_ATTRIBUTE (&attributes)[COUNT]) {
-  for (QUICK_ATTRIBUTE& attribute : attributes) {
-    attribute.interned = PyUnicode_InternFromString(attribute.name);
-    if (attribute.interned == nullptr) return false;
-  }
-  return true;
-}
-
-template <std::size_t COUNT>
-PyObject* get_attribute(const QUICK_ATTRIBUTE (&attributes)[COUNT], PyObject* self,
-                        PyObject* name) {
-  for (const QUICK_ATTRIBUTE& attribute : attributes) {
-    if (attribute.interned == name) return attribute.get(self);
-  }
-  return PyObject_GenericGetAttr(self, name);
-}
-
-// ---- Memory ------------------------------------------------------------------------------------
-
-// A loop makes an object and drops the one before: the same few pieces of memory serve all of them.
-// (The lock of the interpreter is held by whoever makes or frees an object.)
-template <class OBJECT>
-class FREE_LIST {
- public:
-  OBJECT* make(PyTypeObject* type) {
-    if (m_size == 0) return PyObject_New(OBJECT, type);
-    return reinterpret_cast<OBJECT*>(PyObject_Init(m_free[--m_size], type));
-  }
-
-  void free(PyObject* object) {
-    PyTypeObject* const type = Py_TYPE(object);
-    if (m_size < k_capacity) {
-      m_free[m_size++] = object;
-    } else {
-      PyObject_Free(object);
-    }
-    Py_DECREF(type);
-  }
-
- private:
-  static constexpr std::size_t k_capacity = 8;
-  PyObject* m_free[k_capacity] = {};
-  std::size_t m_size = 0;
-};
-
-// ---- Positions ---------------------------------------------------------------------------------
-
-struct POSITION {
-  PyObject head;
-  sbdc_position place;
-};
-
-PyTypeObject* g_position_type = nullptr;
-FREE_LIST<POSITION> g_free_positions;
-
-constexpr int k_position_size = 4;
-
-PyObject* make_position(const sbdc_position& place) {
-  if (place.line == 0) Py_RETURN_NONE;
-  POSITION* const made = g_free_positions.make(g_position_type);
-  if (made != nullptr) made->place = place;
-  return reinterpret_cast<PyObject*>(made);
-}
-
-const sbdc_position& place_of(PyObject* self) {
-  return reinterpret_cast<POSITION*>(self)->place;
-}
-
-std::uint32_t part_of(PyObject* self, Py_ssize_t index) {
-  const sbdc_position& place = place_of(self);
-  const std::uint32_t parts[k_position_size] = {place.line, place.column, place.offset,
-                                                place.length};
-  return parts[index];
-}
-
-PyObject* new_position(PyTypeObject* type, PyObject* arguments, PyObject* keywords) {
-  static char line[] = "line", column[] = "column", offset[] = "offset", length[] = "length";
-  static char* names[] = {line, column, offset, length, nullptr};
-  unsigned long parts[k_position_size];
-  if (PyArg_ParseTupleAndKeywords(arguments, keywords, "kkkk:Position", names, &parts[0], &parts[1],
-                                  &parts[2], &parts[3]) == 0) {
-    return nullptr;
-  }
-  POSITION* const made = g_free_positions.make(type);
-  if (made == nullptr) return nullptr;
-  made->place.line = static_cast<std::uint32_t>(parts[0]);
-  made->place.column = static_cast<std::uint32_t>(parts[1]);
-  made->place.offset = static_cast<std::uint32_t>(parts[2]);
-  made->place.length = static_cast<std::uint32_t>(parts[3]);
-  return reinterpret_cast<PyObject*>(made);
-}
-
-void free_position(PyObject* self) {
-  g_free_positions.free(self);
-}
-
-PyObject* as_tuple(PyObject* self) {
-  return Py_BuildValue("(kkkk)", static_cast<unsigned long>(part_of(self, 0)),
-                       static_cast<unsigned long>(part_of(self, 1)),
-                       static_cast<unsigned long>(part_of(self, 2)),
-                       static_cast<unsigned long>(part_of(self, 3)));
-}
-
-PyObject* show_position(PyObject* self) {
-  return PyUnicode_FromFormat("Position(line=%u, column=%u, offset=%u, length=%u)",
-                              part_of(self, 0), part_of(self, 1), part_of(self, 2),
-                              part_of(self, 3));
-}
-
-Py_hash_t hash_position(PyObject* self) {
-  PyObject* const parts = as_tuple(self);
-  if (parts == nullptr) return -1;
-  const Py_hash_t hash = PyObject_Hash(parts);
-  Py_DECREF(parts);
-  return hash;
-}
-
-// In the order of the file, and as tuples compare.
-PyObject* compare_positions(PyObject* self, PyObject* other, int operation) {
-  if (PyObject_TypeCheck(other, g_position_type) == 0) Py_RETURN_NOTIMPLEMENTED;
-  int order = 0;
-  for (int i = 0; i < k_position_size && order == 0; i++) {
-    const std::uint32_t left = part_of(self, i);
-    const std::uint32_t right = part_of(other, i);
-    order = left < right ? -1 : left > right ? 1 : 0;
-  }
-  Py_RETURN_RICHCOMPARE(order, 0, operation);
-}
-
-Py_ssize_t size_of_position(PyObject*) {
-  return k_position_size;
-}
-
-PyObject* iterate_position(PyObject* self) {
-  PyObject* const parts = as_tuple(self);
-  if (parts == nullptr) return nullptr;
-  PyObject* const iterator = PyObject_GetIter(parts);
-  Py_DECREF(parts);
-  return iterator;
-}
-
-// By number or slice, as those of a tuple.
-PyObject* position_part(PyObject* self, PyObject* key) {
-  PyObject* const parts = as_tuple(self);
-  if (parts == nullptr) return nullptr;
-  PyObject* const part = PyObject_GetItem(parts, key);
-  Py_DECREF(parts);
-  return part;
-}
-
-PyObject* reduce_position(PyObject* self, PyObject*) {
-  return Py_BuildValue("(ON)", reinterpret_cast<PyObject*>(Py_TYPE(self)), as_tuple(self));
-}
-
-constexpr Py_ssize_t offset_in_position(std::size_t member) {
-  return static_cast<Py_ssize_t>(offsetof(POSITION, place) + member);
-}
-
-PyMemberDef g_position_members[] = {
-    {"line", T_UINT, offset_in_position(offsetof(sbdc_position, line)), READONLY, "From 1 on."},
-    {"column", T_UINT, offset_in_position(offsetof(sbdc_position, column)), READONLY,
-     "From 1 on, in bytes."},
-    {"offset", T_UINT, offset_in_position(offsetof(sbdc_position, offset)), READONLY,
-     "From 0 on, in bytes."},
-    {"length", T_UINT, offset_in_position(offsetof(sbdc_position, length)), READONLY, "In bytes."},
-    {}};
-
-QUICK_ATTRIBUTE g_quick_of_position[] = {
-    {"line", [](PyObject* self) { return PyLong_FromUnsignedLong(place_of(self).line); }, nullptr}};
-
-PyObject* get_of_position(PyObject* self, PyObject* name) {
-  return get_attribute(g_quick_of_position, self, name);
-}
-
-PyMethodDef g_position_methods[] = {
-    {"__reduce__", reduce_position, METH_NOARGS, "For copies and pickles."}, {}};
-
-PyType_Slot g_position_slots[] = {
-    {Py_tp_doc, const_cast<char*>("Position(line, column, offset, length)\n--\n\n"
-                                  "A place in the text of a file as it was read. May be taken "
-                                  "apart like a tuple.")},
-    {Py_tp_new, reinterpret_cast<void*>(new_position)},
-    {Py_tp_dealloc, reinterpret_cast<void*>(free_position)},
-    {Py_tp_repr, reinterpret_cast<void*>(show_position)},
-    {Py_tp_hash, reinterpret_cast<void*>(hash_position)},
-    {Py_tp_richcompare, reinterpret_cast<void*>(compare_positions)},
-    {Py_sq_length, reinterpret_cast<void*>(size_of_position)},
-    {Py_tp_iter, reinterpret_cast<void*>(iterate_position)},
-    {Py_mp_subscript, reinterpret_cast<void*>(position_part)},
-    {Py_tp_getattro, reinterpret_cast<void*>(get_of_position)},
-    {Py_tp_members, g_position_members},
-    {Py_tp_methods, g_position_methods},
-    {0, nullptr}};
-
-PyType_Spec g_position_spec = {"sbd.Position", sizeof(POSITION), 0, Py_TPFLAGS_DEFAULT,
-                               g_position_slots};
 
 // ---- Texts and values --------------------------------------------------------------------------
 
@@ -640,36 +438,19 @@ bool make_texts(PyObject** made, const char* const* texts, int count) {
   return true;
 }
 
-bool make_type(PyTypeObject*& type, PyType_Spec& spec, PyTypeObject* base = nullptr) {
-  PyObject* const bases = base != nullptr ? PyTuple_Pack(1, base) : nullptr;
-  if (base != nullptr && bases == nullptr) return false;
-  type = reinterpret_cast<PyTypeObject*>(PyType_FromSpecWithBases(&spec, bases));
-  Py_XDECREF(bases);
-  return type != nullptr;
-}
-
 bool make_types() {
-  return make_type(g_position_type, g_position_spec) && make_type(g_listing_type, g_listing_spec) &&
-         make_type(g_iterator_type, g_iterator_spec) && make_type(g_item_type, g_item_spec) &&
+  return make_type(g_listing_type, g_listing_spec) && make_type(g_iterator_type, g_iterator_spec) &&
+         make_type(g_item_type, g_item_spec) &&
          make_type(g_block_type, g_block_spec, g_item_type) &&
          make_type(g_parameter_type, g_parameter_spec, g_item_type) &&
          make_type(g_reference_type, g_reference_spec, g_item_type);
 }
 
-// The module takes over a reference of its own.
-bool add_type(PyObject* module, const char* name, PyTypeObject* type) {
-  auto* const object = reinterpret_cast<PyObject*>(type);
-  Py_INCREF(object);
-  if (PyModule_AddObject(module, name, object) == 0) return true;
-  Py_DECREF(object);
-  return false;
-}
-
 bool fill_module(PyObject* module) {
   return make_texts(g_kinds, k_kinds, k_kind_count) && make_texts(g_units, k_units, k_unit_count) &&
-         intern(g_quick_of_position) && intern(g_quick_of_item) && intern(g_quick_of_parameter) &&
-         make_types() && add_type(module, "Position", g_position_type) &&
-         add_type(module, "Item", g_item_type) && add_type(module, "Block", g_block_type) &&
+         intern(g_quick_of_item) && intern(g_quick_of_parameter) && make_types() &&
+         add_position_type(module) && add_type(module, "Item", g_item_type) &&
+         add_type(module, "Block", g_block_type) &&
          add_type(module, "Parameter", g_parameter_type) &&
          add_type(module, "Reference", g_reference_type);
 }

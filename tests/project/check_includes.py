@@ -10,7 +10,7 @@ import sys
 
 KNOWS = {
     "capi": {"capi", "h", "host", "sbd"},
-    "python": {"capi"},
+    "python": {"capi", "python"},
     "h": {"h"},
     "host": {"h", "host"},
     "sbd": {"h", "sbd"},
