@@ -67,7 +67,8 @@ class SBD_SOURCE {
   SBD_FILE_PARSER::SBD_SOURCE_RANGE range(std::size_t offset, std::size_t length) const;
 
  private:
-  struct LINE {
+  // Aligned as a whole, or clang calls a library of the compiler to read it at once.
+  struct alignas(2 * sizeof(std::uint32_t)) LINE {
     std::uint32_t number;
     std::uint32_t begin;
   };
