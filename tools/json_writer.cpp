@@ -55,7 +55,7 @@ void JSON_WRITER::null() {
   value("null");
 }
 
-void JSON_WRITER::count(std::size_t number) {
+void JSON_WRITER::count(std::uint64_t number) {
   value(fmt::format("{}", number));
 }
 

@@ -6,6 +6,7 @@
 #define TOOLS_JSON_WRITER_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -32,7 +33,7 @@ class JSON_WRITER {
   void text(std::string_view text);
   void boolean(bool value);
   void null();
-  void count(std::size_t number);
+  void count(std::uint64_t number);
   // A number that is spelled already; null where JSON has no spelling for it (infinity).
   void number(std::string_view spelled);
 

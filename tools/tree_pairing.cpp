@@ -29,7 +29,7 @@ const NODE* members_of(const NODE* node) {
 }
 
 std::size_t combine(std::size_t a, std::size_t b) {
-  constexpr std::size_t k_golden = 0x9e3779b97f4a7c15U;
+  constexpr auto k_golden = static_cast<std::size_t>(0x9e3779b97f4a7c15U);
   return (a ^ (b + k_golden + (a << 6U) + (a >> 2U))) * k_golden;
 }
 

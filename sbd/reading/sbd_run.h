@@ -34,6 +34,17 @@ struct SBD_MARK_COUNTS {
   std::size_t commas;
 };
 
+// Counted from the lowest bit; there must be one.
+inline std::size_t sbd_first_clear_bit(unsigned mask) {
+#if defined(__GNUC__)
+  return static_cast<std::size_t>(__builtin_ctz(~mask));
+#else
+  std::size_t count = 0;
+  for (; (mask & 1U) != 0; mask >>= 1U) ++count;
+  return count;
+#endif
+}
+
 #if SBD_HAS_SSE2
 
 inline __m128i sbd_load_step(const char* from) {
@@ -75,10 +86,6 @@ inline unsigned sbd_quote_or_newline_mask(__m128i bytes) {
 }
 
 inline constexpr unsigned k_whole_step = 0xFFFF;
-
-inline std::size_t sbd_first_clear_bit(unsigned mask) {
-  return static_cast<std::size_t>(__builtin_ctz(~mask));
-}
 
 // Of a mask that is not 0.
 inline std::size_t sbd_last_set_bit(unsigned mask) {

@@ -249,9 +249,9 @@ class EDIT_SEQUENCE {
   }
 
   unsigned long some_integer() {
-    static const unsigned long k_limits[] = {0, 1, 4294967295, 4294967296, 2147483648, ~0UL};
-    if (chance(20)) return k_limits[below(6)];
-    return m_random() >> below(64);
+    static const std::uint64_t k_limits[] = {0, 1, 4294967295, 4294967296, 2147483648, ~0UL};
+    const std::uint64_t number = chance(20) ? k_limits[below(6)] : m_random() >> below(64);
+    return static_cast<unsigned long>(number);
   }
 
   int some_unit() { return chance(50) ? 0 : static_cast<int>(below(6)); }

@@ -43,7 +43,7 @@ WRITTEN flag(bool value) {
   return written;
 }
 
-WRITTEN whole(unsigned long value, const std::string& unit) {
+WRITTEN whole(std::uint64_t value, const std::string& unit) {
   return number(static_cast<double>(value), std::to_string(value), unit);
 }
 

@@ -2,6 +2,7 @@
 #ifndef TESTS_DEVICE_DESCRIPTOR_TEXT_H
 #define TESTS_DEVICE_DESCRIPTOR_TEXT_H
 
+#include <cstdint>
 #include <map>
 #include <random>
 #include <set>
@@ -21,7 +22,7 @@ struct WRITTEN {
 };
 
 WRITTEN flag(bool value);
-WRITTEN whole(unsigned long value, const std::string& unit = "");
+WRITTEN whole(std::uint64_t value, const std::string& unit = "");
 WRITTEN hexadecimal(unsigned long value, const std::string& unit = "");
 WRITTEN octal(unsigned long value);
 WRITTEN binary(unsigned long value);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -569,9 +570,9 @@ TEST(PARAMETER_ROUNDING, AgreesWithExactArithmetic) {
   std::vector<WRITTEN> numbers;
   for (int count = 0; count < 4000; ++count) {
     const std::string unit = units[random() % 8];
-    const unsigned long whole_part = random() % (1ul << (random() % 33));
+    const std::uint64_t whole_part = random() % (std::uint64_t{1} << (random() % 33));
     std::string digits = std::to_string(whole_part) + ".";
-    for (unsigned long length = random() % 12; length > 0; --length) {
+    for (std::uint64_t length = random() % 12; length > 0; --length) {
       digits += static_cast<char>('0' + random() % 10);
     }
     if (random() % 3 == 0) digits += "5";

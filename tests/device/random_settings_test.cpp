@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <random>
 #include <string>
@@ -28,11 +29,13 @@ class RANDOM_SETTINGS : public testing::TestWithParam<CHIP> {
 
   CHIP chip() const { return GetParam(); }
 
+  std::size_t below(std::size_t end) { return static_cast<std::size_t>(m_random() % end); }
+
   // True in `percent` of the cases.
   bool chance(unsigned percent) { return m_random() % 100 < percent; }
 
   WRITTEN random_number() {
-    const unsigned long number = m_random() % (1ul << (m_random() % 33));
+    const std::uint64_t number = m_random() % (std::uint64_t{1} << (m_random() % 33));
     const char* const units[] = {"", "", "", "K", "KB", "M", "MB", "G", "GB", "Hz", "MHz", "mhZ"};
     const std::string unit = units[m_random() % 12];
     switch (m_random() % 6) {
@@ -65,7 +68,7 @@ class RANDOM_SETTINGS : public testing::TestWithParam<CHIP> {
       } else if (choices.front().form == WRITTEN::NUMBER && chance(30)) {
         settings.set(name, random_number());
       } else {
-        settings.set(name, choices[m_random() % choices.size()]);
+        settings.set(name, choices[below(choices.size())]);
       }
     }
     if (is_plain_pll) {
@@ -81,7 +84,7 @@ class RANDOM_SETTINGS : public testing::TestWithParam<CHIP> {
     const std::vector<PARAMETER_ROW>& rows = rows_of(chip());
     const PARAMETER_ROW* row = nullptr;
     do {
-      row = &rows[m_random() % rows.size()];
+      row = &rows[below(rows.size())];
     } while (!row->block);
     return row->block;
   }
@@ -134,7 +137,7 @@ TEST_P(RANDOM_SETTINGS, AlmostGoodDescriptors) {
       if (chance(30)) {
         settings.remove(choice->first);
       } else {
-        settings.set(choice->first, choice->second[m_random() % choice->second.size()]);
+        settings.set(choice->first, choice->second[below(choice->second.size())]);
       }
     }
     expect_everything(settings);

@@ -631,7 +631,7 @@ TEST_P(TOLD_RULES, StatesOfParameters) {
   std::mt19937_64 random(99);
   for (const PARAMETER_ROW& row : rows_of(chip())) {
     const std::vector<WRITTEN> values = values_to_try(row, chip());
-    if (random() % 2 == 0) odd.set(row.reference(), values[random() % values.size()]);
+    if (random() % 2 == 0) odd.set(row.reference(), values[static_cast<std::size_t>(random() % values.size())]);
   }
   for (const SETTINGS& settings :
        {SETTINGS(), minimal_settings(), full_settings(chip()), odd,

@@ -1,5 +1,6 @@
 // Every parameter of every chip: absent, at and past its limits, of the wrong kind, required or
 // not.
+#include <cstdint>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -182,13 +183,13 @@ TEST_P(TABLE_DRIVEN, EveryParameterOfTheWrongKind) {
 
 // Whatever is good for one parameter is tried in all others.
 TEST_P(TABLE_DRIVEN, OneNumberInAllParameters) {
-  std::set<unsigned long> numbers;
-  for (unsigned long number = 0; number <= 300; ++number) numbers.insert(number);
-  for (unsigned long power = 512; power <= 4294967296; power *= 2) {
+  std::set<std::uint64_t> numbers;
+  for (std::uint64_t number = 0; number <= 300; ++number) numbers.insert(number);
+  for (std::uint64_t power = 512; power <= 4294967296; power *= 2) {
     numbers.insert({power - 1, power % 4294967296, (power + 1) % 4294967296});
   }
-  for (unsigned long power = 1000; power <= 4294967295; power *= 10) numbers.insert(power);
-  for (const unsigned long number : numbers) {
+  for (std::uint64_t power = 1000; power <= 4294967295; power *= 10) numbers.insert(power);
+  for (const std::uint64_t number : numbers) {
     SETTINGS settings = full_settings(chip());
     for (const PARAMETER_ROW& row : rows_of(chip())) {
       if (row.kind == KIND::DWORD) settings.set(row.reference(), whole(number));

@@ -1,5 +1,6 @@
 #include "tests/device/value_choices.h"
 
+#include <cstdint>
 #include <random>
 #include <set>
 #include <string>
@@ -14,14 +15,15 @@ std::vector<WRITTEN> flag_values() {
 }
 
 std::vector<WRITTEN> number_values(const VALUE_RULE* rule) {
-  std::set<unsigned long> numbers = {0, 1, 2, 4096, 4294967295};
+  std::set<std::uint64_t> numbers = {0, 1, 2, 4096, 4294967295};
   if (rule) {
     for (const unsigned long number : rule->numbers) {
-      numbers.insert({number - (number > 0 ? 1 : 0), number, number + 1, 2 * number});
+      const std::uint64_t one = number;
+      numbers.insert({one - (one > 0 ? 1 : 0), one, one + 1, 2 * one});
     }
   }
   std::vector<WRITTEN> values;
-  for (const unsigned long number : numbers) {
+  for (const std::uint64_t number : numbers) {
     if (number <= 4294967295) values.push_back(whole(number));
   }
   if (rule) {

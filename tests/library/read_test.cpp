@@ -107,7 +107,7 @@ TEST_F(READ, RefusesAPathThroughAFileAndKeepsTheDocument) {
 
 TEST_F(READ, RefusesAFileOfFourGigabytesAndKeepsTheDocument) {
   const std::string path = m_directory.write("huge.sbd", "");
-  ASSERT_EQ(truncate(path.c_str(), off_t{1} << 32), 0);
+  ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(4294967296)), 0);
   expect_unopenable(path);
 }
 
