@@ -3,3 +3,4 @@ set(CMAKE_C_FLAGS_INIT -m32)
 set(CMAKE_CXX_FLAGS_INIT -m32)
 set(GTest_DIR ${CMAKE_CURRENT_LIST_DIR} CACHE PATH "")
 set(fmt_DIR ${CMAKE_CURRENT_LIST_DIR} CACHE PATH "")
+set(SBD_OTHER_MACHINE ON)  # Its libraries are none for this machine's Python and compilers.

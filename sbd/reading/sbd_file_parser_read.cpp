@@ -1,5 +1,6 @@
 // Reading a file or a text into the document.
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -28,13 +29,30 @@ struct LOADED_TEXT {
   std::size_t length = 0;
 };
 
+// Where `long` is too short for a place in a large file, the system has others.
+#if defined(__unix__) || defined(__APPLE__)
+std::int64_t place_in(std::FILE* file) {
+  return ftello(file);
+}
+bool go_to(std::FILE* file, std::int64_t place, int origin) {
+  return fseeko(file, static_cast<off_t>(place), origin) == 0;
+}
+#else
+std::int64_t place_in(std::FILE* file) {
+  return std::ftell(file);
+}
+bool go_to(std::FILE* file, std::int64_t place, int origin) {
+  return std::fseek(file, static_cast<long>(place), origin) == 0;
+}
+#endif
+
 // How much of the file is left, or 0 where that can't be told (pipes, devices).
-std::size_t rest_of_file(std::FILE* file) {
-  const long here = std::ftell(file);
-  if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) return 0;
-  const long end = std::ftell(file);
-  if (std::fseek(file, here, SEEK_SET) != 0 || end <= here) return 0;
-  return static_cast<std::size_t>(end - here);
+std::uint64_t rest_of_file(std::FILE* file) {
+  const std::int64_t here = place_in(file);
+  if (here < 0 || !go_to(file, 0, SEEK_END)) return 0;
+  const std::int64_t end = place_in(file);
+  if (!go_to(file, here, SEEK_SET) || end <= here) return 0;
+  return static_cast<std::uint64_t>(end - here);
 }
 
 // Moves the text into a buffer for `capacity` bytes.
@@ -49,10 +67,10 @@ bool load(std::FILE* file, LOADED_TEXT& text) {
   constexpr std::size_t k_first_guess = 16384;
   // Our buffer is the only one that the bytes need to go through.
   (void)std::setvbuf(file, nullptr, _IONBF, 0);
-  const std::size_t rest = rest_of_file(file);
+  const std::uint64_t rest = rest_of_file(file);
   if (rest > SBD_SOURCE::k_longest) return false;
   // One byte more than the file has shows its end without another round.
-  std::size_t capacity = rest != 0 ? rest + 1 : k_first_guess;
+  std::size_t capacity = rest != 0 ? static_cast<std::size_t>(rest) + 1 : k_first_guess;
   text.buffer.reset(SBD_SOURCE::allocate(capacity));
   for (;;) {
     text.length += std::fread(text.buffer.get() + text.length, 1, capacity - text.length, file);

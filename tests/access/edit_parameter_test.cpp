@@ -409,7 +409,8 @@ TEST_F(SET_VALUE, TakesTenForAnyOtherBaseWithAWarning) {
 }
 
 TEST_F(SET_VALUE, KeepsTheDoubleOfLargeIntegers) {
-  for (const std::uint64_t wide : {4294967295U, 4294967296U, 4294967301U, 0xfffffffffffff800U}) {
+  constexpr std::uint64_t k_integers[] = {4294967295, 4294967296, 4294967301, 0xfffffffffffff800};
+  for (const std::uint64_t wide : k_integers) {
     const auto value = static_cast<unsigned long>(wide);
     if (value != wide) continue;  // Where such integers have 32 bits.
     ASSERT_TRUE(m_document->set_value("d", "dec", value, 10, k_no_unit));

@@ -111,7 +111,7 @@ TEST(ROUND_TRIP, KeepsGeneratedDocuments) {
   const MESSAGE_RECORDER recorder;
   std::size_t compared = 0;
   for (std::uint64_t seed = 1; seed <= scaled(4000); seed++) {
-    const std::size_t count = seed % 50 == 0 ? 300 : 1 + seed % 40;
+    const std::size_t count = seed % 50 == 0 ? 300 : 1 + static_cast<std::size_t>(seed % 40);
     const std::string source = generate_descriptor(seed, count, VALIDITY::SEMANTICS);
     if (has_infinity(source)) continue;
     compared++;

@@ -35,7 +35,8 @@ class RANDOM_SETTINGS : public testing::TestWithParam<CHIP> {
   bool chance(unsigned percent) { return m_random() % 100 < percent; }
 
   WRITTEN random_number() {
-    const std::uint64_t number = m_random() % (std::uint64_t{1} << (m_random() % 33));
+    const auto number =
+        static_cast<std::uint32_t>(m_random() % (std::uint64_t{1} << (m_random() % 33)));
     const char* const units[] = {"", "", "", "K", "KB", "M", "MB", "G", "GB", "Hz", "MHz", "mhZ"};
     const std::string unit = units[m_random() % 12];
     switch (m_random() % 6) {

@@ -112,7 +112,7 @@ TEST_F(HOST_MEMORY, ExhaustionThrows) {
 #if HAS_SANITIZED_MALLOC
   GTEST_SKIP() << "The sanitizer ends the program instead.";
 #else
-  EXPECT_THROW(take("EXHAUSTED", std::numeric_limits<std::size_t>::max() / 4), std::bad_alloc);
+  EXPECT_THROW(take("EXHAUSTED", std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
   EXPECT_EQ(get_memory_account("EXHAUSTED").total_allocations, 0U);
 #endif
 }

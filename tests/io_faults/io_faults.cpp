@@ -130,6 +130,15 @@ int open(const char* path, int flags, ...) {
   return is_due(IO_CALL::OPEN) ? fail() : REAL(open)(path, flags, mode);
 }
 
+// What the call is named where files may be larger than numbers of the machine.
+int open64(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const auto mode = va_arg(arguments, mode_t);
+  va_end(arguments);
+  return open(path, flags, mode);
+}
+
 ssize_t read(int file, void* buffer, std::size_t size) {
   return is_due(IO_CALL::READ) ? fail() : REAL(read)(file, buffer, limit(IO_CALL::READ, size));
 }

@@ -376,8 +376,8 @@ TEST(NUMBER_CONVERSION, OfDecimalsIsThatOfTheStandardLibrary) {
     std::string text = "1" + random_digits(random, 24, "0123456789");
     text[0] = static_cast<char>('1' + random() % 9);
     if (random() % 4 == 0) text.insert(0, "+");
-    int expected = 0;
-    ASSERT_EQ(std::sscanf(text.c_str(), "%d", &expected), 1);
+    // As many bits as the library takes of them, on any machine.
+    const long long expected = std::strtoll(text.c_str(), nullptr, 10);
     ASSERT_EQ(number_of(SBD_TOK_UDECIMAL, text, SBD_PARA_VALUE::VT_UDECIMAL),
               static_cast<std::uint32_t>(expected))
         << text;
@@ -388,8 +388,7 @@ TEST(NUMBER_CONVERSION, OfOctalsIsThatOfTheStandardLibrary) {
   std::mt19937 random(2);
   for (int i = 0; i < CONVERSIONS; i++) {
     const std::string text = "0" + random_digits(random, 30, "01234567");
-    unsigned expected = 0;
-    ASSERT_EQ(std::sscanf(text.c_str(), "%o", &expected), 1);
+    const auto expected = static_cast<std::uint32_t>(std::strtoull(text.c_str(), nullptr, 8));
     ASSERT_EQ(number_of(SBD_TOK_OCTAL, text, SBD_PARA_VALUE::VT_OCTAL), expected) << text;
   }
 }
@@ -399,8 +398,7 @@ TEST(NUMBER_CONVERSION, OfHexadecimalsIsThatOfTheStandardLibrary) {
   for (int i = 0; i < CONVERSIONS; i++) {
     const std::string text =
         (random() % 2 == 0 ? "0x" : "0X") + random_digits(random, 24, "0123456789abcdefABCDEF");
-    unsigned expected = 0;
-    ASSERT_EQ(std::sscanf(text.c_str(), "%x", &expected), 1);
+    const auto expected = static_cast<std::uint32_t>(std::strtoull(text.c_str(), nullptr, 16));
     ASSERT_EQ(number_of(SBD_TOK_HEXAL, text, SBD_PARA_VALUE::VT_HEXAL), expected) << text;
   }
 }

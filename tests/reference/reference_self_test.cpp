@@ -451,7 +451,8 @@ TEST(REFERENCE_FAULT, GivesUpAtTheEndOnlyInsideBlocks) {
 TEST(TEXT_GENERATOR, MakesNoSyntaxErrors) {
   for (std::uint64_t seed = 0; seed < 2000; ++seed) {
     for (const VALIDITY validity : {VALIDITY::SYNTAX, VALIDITY::SEMANTICS}) {
-      const std::string text = generate_descriptor(seed, seed % 60, validity);
+      const std::string text =
+          generate_descriptor(seed, static_cast<std::size_t>(seed % 60), validity);
       const REFERENCE_RESULT result = read_reference(text);
       ASSERT_EQ(list_faults(result.faults), "") << text;
       ASSERT_EQ(result.dump.empty(), seed % 60 == 0) << text;

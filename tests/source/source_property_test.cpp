@@ -61,7 +61,9 @@ constexpr const char* k_types[] = {"bus", "MODULE", "region", "device", "thing"}
 class RANDOM_SESSION {
  public:
   explicit RANDOM_SESSION(std::uint64_t seed)
-      : m_random(seed), m_text(generate_descriptor(seed, 5 + seed % 60, VALIDITY::SEMANTICS, 6)) {
+      : m_random(seed),
+        m_text(generate_descriptor(seed, 5 + static_cast<std::size_t>(seed % 60),
+                                   VALIDITY::SEMANTICS, 6)) {
     EXPECT_TRUE(m_source.read_text(m_text.data(), m_text.size(), TEST_FILE));
   }
 
@@ -81,7 +83,9 @@ class RANDOM_SESSION {
   }
 
  private:
-  std::size_t pick(std::size_t count) { return count == 0 ? 0 : m_random() % count; }
+  std::size_t pick(std::size_t count) {
+    return count == 0 ? 0 : static_cast<std::size_t>(m_random() % count);
+  }
   template <class T, std::size_t N>
   T pick_of(T const (&values)[N]) {
     return values[pick(N)];
