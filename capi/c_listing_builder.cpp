@@ -76,6 +76,7 @@ void fetch_ahead(const NODE* node) {
   constexpr std::size_t k_usual_size = 6 * k_cache_line;
   const auto begin = reinterpret_cast<std::uintptr_t>(node);
   for (std::size_t at = 0; at < k_usual_size; at += k_cache_line) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a pointer must not leave the record.
     __builtin_prefetch(reinterpret_cast<const void*>(begin + at));
   }
 #else
@@ -167,7 +168,7 @@ const SBD_FILE_PARSER::SBD_NODE* LISTING_BUILDER::step() {
 std::string LISTING_BUILDER::full_name(const NODE* node) const {
   SBD_STRING name;
   m_document.get_ref_name(node, name);
-  return name.c_str();
+  return {name.data(), name.size()};
 }
 
 void LISTING_BUILDER::add(const NODE* node, std::string_view own_name, std::size_t depth) {

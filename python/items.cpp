@@ -167,7 +167,7 @@ PyObject* show_item(PyObject* self) {
   return shown;
 }
 
-PyObject* get_name(PyObject* self) {
+PyObject* get_name(PyObject* self, void*) {
   PyObject* const name = reinterpret_cast<ITEM*>(self)->name;
   Py_INCREF(name);
   return name;
@@ -191,9 +191,8 @@ PyObject* get_name_position(PyObject* self, void*) {
   return make_position(record_of(self).name_position);
 }
 
-QUICK_ATTRIBUTE g_quick_of_item[] = {
-    {"name", get_name, nullptr},
-    {"position", [](PyObject* self) { return get_position(self, nullptr); }, nullptr}};
+QUICK_ATTRIBUTE g_quick_of_item[] = {{"name", get_name, nullptr},
+                                     {"position", get_position, nullptr}};
 
 PyObject* get_of_item(PyObject* self, PyObject* name) {
   return get_attribute(g_quick_of_item, self, name);
@@ -222,10 +221,9 @@ PyObject* get_value(PyObject* self, void*) {
   return value.kind == SBDC_LIST ? make_list(listing_of(self), value) : make_scalar(value);
 }
 
-QUICK_ATTRIBUTE g_quick_of_parameter[] = {
-    {"value", [](PyObject* self) { return get_value(self, nullptr); }, nullptr},
-    {"name", get_name, nullptr},
-    {"position", [](PyObject* self) { return get_position(self, nullptr); }, nullptr}};
+QUICK_ATTRIBUTE g_quick_of_parameter[] = {{"value", get_value, nullptr},
+                                          {"name", get_name, nullptr},
+                                          {"position", get_position, nullptr}};
 
 PyObject* get_of_parameter(PyObject* self, PyObject* name) {
   return get_attribute(g_quick_of_parameter, self, name);
@@ -473,7 +471,8 @@ PyModuleDef g_module = {PyModuleDef_HEAD_INIT,
 
 }  // namespace
 
-PyMODINIT_FUNC PyInit__items() {
+// Python makes this name of that of the module.
+PyMODINIT_FUNC PyInit__items() {  // NOLINT: a reserved name
   PyObject* const module = PyModule_Create(&g_module);
   if (module == nullptr) return nullptr;
   if (fill_module(module)) return module;

@@ -16,7 +16,7 @@ namespace sbd_python {
 // for again and again are compared first: names in programs are interned, so a pointer tells.
 struct QUICK_ATTRIBUTE {
   const char* name;
-  PyObject* (*get)(PyObject* self);
+  getter get;
   PyObject* interned;
 };
 
@@ -33,7 +33,7 @@ template <std::size_t COUNT>
 PyObject* get_attribute(const QUICK_ATTRIBUTE (&attributes)[COUNT], PyObject* self,
                         PyObject* name) {
   for (const QUICK_ATTRIBUTE& attribute : attributes) {
-    if (attribute.interned == name) return attribute.get(self);
+    if (attribute.interned == name) return attribute.get(self, nullptr);
   }
   return PyObject_GenericGetAttr(self, name);
 }

@@ -107,7 +107,7 @@ PyObject* reduce_position(PyObject* self, PyObject*) {
   return Py_BuildValue("(ON)", reinterpret_cast<PyObject*>(Py_TYPE(self)), as_tuple(self));
 }
 
-constexpr Py_ssize_t offset_in_position(std::size_t member) {
+constexpr Py_ssize_t offset_in_position(std::size_t member) noexcept {
   return static_cast<Py_ssize_t>(offsetof(POSITION, place) + member);
 }
 
@@ -120,8 +120,11 @@ PyMemberDef g_position_members[] = {
     {"length", T_UINT, offset_in_position(offsetof(sbdc_position, length)), READONLY, "In bytes."},
     {}};
 
-QUICK_ATTRIBUTE g_quick_of_position[] = {
-    {"line", [](PyObject* self) { return PyLong_FromUnsignedLong(place_of(self).line); }, nullptr}};
+PyObject* get_line(PyObject* self, void*) {
+  return PyLong_FromUnsignedLong(place_of(self).line);
+}
+
+QUICK_ATTRIBUTE g_quick_of_position[] = {{"line", get_line, nullptr}};
 
 PyObject* get_of_position(PyObject* self, PyObject* name) {
   return get_attribute(g_quick_of_position, self, name);
