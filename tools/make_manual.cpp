@@ -1,7 +1,7 @@
 // Writes the manual pages of the tool into a folder: part of the build, not of the tool.
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <string>
 
 #include "sbd/sbd_api.h"
@@ -17,7 +17,7 @@ bool write_page(const std::filesystem::path& folder, const std::string& name,
   file << text;
   file.close();
   if (file) return true;
-  std::fprintf(stderr, "can't write %s\n", path.c_str());
+  std::cerr << "can't write " << path.string() << '\n';
   return false;
 }
 
@@ -38,13 +38,13 @@ bool write_pages(const std::filesystem::path& folder, const sbd_tool::MANUAL_ISS
 
 int main(int argument_count, char** arguments) {
   if (argument_count != 3) {
-    std::fprintf(stderr, "usage: make_manual FOLDER DATE\n");
+    std::cerr << "usage: make_manual FOLDER DATE\n";
     return 2;
   }
   try {
     return write_pages(arguments[1], {sbd_version(), arguments[2]}) ? 0 : 1;
   } catch (const std::filesystem::filesystem_error& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    std::cerr << error.what() << '\n';
     return 1;
   }
 }
