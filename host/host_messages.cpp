@@ -63,11 +63,9 @@ bool is_key_char(char c) {
   return (c >= 'A' && c <= 'Z') || is_digit(c) || c == '_';
 }
 
-// The placeholder that starts right at `at`.
+// The placeholder that starts at the "%" at `at`.
 PLACEHOLDER get_placeholder(std::string_view text, std::size_t at) {
   constexpr PLACEHOLDER NONE = {0, 0, false};
-  if (text[at] != '%') return NONE;
-
   std::size_t end = at + 1;
   std::size_t position = 0;
   for (; end < text.size() && is_digit(text[end]); end++) {
@@ -180,15 +178,8 @@ void write_line(std::string line) {
 }
 
 const char* get_severity_name(sbd_host::SEVERITY severity) {
-  switch (severity) {
-    case sbd_host::SEVERITY::WARNING:
-      return "warning";
-    case sbd_host::SEVERITY::DEBUG:
-      return "debug";
-    case sbd_host::SEVERITY::ERROR:
-      break;
-  }
-  return "error";
+  if (severity == sbd_host::SEVERITY::WARNING) return "warning";
+  return severity == sbd_host::SEVERITY::DEBUG ? "debug" : "error";
 }
 
 void print_message(const sbd_host::MESSAGE& message) {

@@ -2,7 +2,8 @@
 //
 // Each function makes a new message of the host's message service, fills it and returns it to the
 // caller, who owns it; SBD_FILE_PARSER::post_message posts and destroys it. Numbers and keys are
-// fixed: hosts file messages by them. Text arguments must not be null.
+// fixed: hosts file messages by them. Text arguments must not be null. When the host has no memory
+// for a message, that is an internal error of the source "msg_sbd", and the result is null.
 #ifndef SBD_MSG_SBD_H
 #define SBD_MSG_SBD_H
 

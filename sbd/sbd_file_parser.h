@@ -110,8 +110,9 @@ class SBD_API SBD_FILE_PARSER {
     SBD_PARA_VALUE* const* begin() const { return m_items; }         // The first element.
     SBD_PARA_VALUE* const* end() const { return m_items + m_size; }  // Behind the last one.
 
-    // Appends `value`, which the list then owns.
-    void push_back(SBD_PARA_VALUE* value);
+    // Appends `value`, which the list then owns. False, and `value` stays the caller's, when the
+    // host has no memory for it.
+    bool push_back(SBD_PARA_VALUE* value) noexcept;
 
    private:
     friend class SBD_STORE;
@@ -497,6 +498,7 @@ class SBD_API SBD_FILE_PARSER {
   char* m_file_name = nullptr;
 
  private:
+  friend class SBD_LOOKUP;
   bool read_loaded(char* buffer, std::size_t length, const char* name);
   void refuse_file(const char* name);
   bool run_checks();
@@ -504,10 +506,11 @@ class SBD_API SBD_FILE_PARSER {
   bool find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const;
   SBD_NODE* find_named(const char* name, const SBD_NODE* enclosing) const;
   bool resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top_level);
+  bool judge_declaration(SBD_SYMBOL* symbol);
+  bool judge_block(SBD_BLOCK* block);
+  bool judge_reference(SBD_STATEMENT* statement);
   bool check_statement(SBD_STATEMENT* statement);
   SBD_NODE* first_member(const SBD_NODE* scope) const;
-  SBD_NODE* find_object(const char* block, const char* name, const SBD_NODE* scope) const;
-  SBD_NODE* resolve_name(const SBD_JOINED_NAME& name, const SBD_NODE* scope) const;
   SBD_NODE* find_member(const char* block, const char* parameter) const;
   void link_node(SBD_NODE* node, SBD_NODE* parent) noexcept;
   template <class CHANGE>

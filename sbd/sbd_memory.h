@@ -30,7 +30,8 @@ template <class T>
 using SBD_VECTOR = std::vector<T, SBD_ALLOCATOR<T>>;
 
 // Base of every record of the tree: `new` takes the record from the host's memory manager, and so
-// a record that a caller made can be handed to a document, which then owns and frees it.
+// a record that a caller made can be handed to a document, which then owns and frees it. `new`
+// throws what the memory manager throws.
 struct SBD_RECORD {
   static void* operator new(std::size_t size) {
     return MEM_MANAGER::new_wrapper(size, SBD_MEMORY_MODULE::tag());
@@ -42,8 +43,8 @@ struct SBD_RECORD {
 
 // A copy of `text` that a record may own: the text slots of a record (names, comments, type
 // keywords, string values, attribute keys and values) take such copies and free them. The copy of
-// null is null. Throws what the host's memory manager throws.
-SBD_API char* sbd_copy_text(const char* text);
+// null is null; so is, after an internal error, one that the host has no memory for.
+SBD_API char* sbd_copy_text(const char* text) noexcept;
 
 // Frees a copy that no record took; null is ignored.
 SBD_API void sbd_free_text(char* text) noexcept;

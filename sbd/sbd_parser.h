@@ -121,8 +121,9 @@ class SBD_API sbd_yyFlexLexer : public FlexLexer {
 // Parses the input of `scanner`, an sbd_yyFlexLexer that has scanned nothing yet, into
 // `parser_para`, the SBD_PARSER_PARA of an empty document: the root is set, the declared names are
 // entered, syntax errors are posted and counted. Returns 0 when the input was parsed to its end,
-// with or without errors that could be recovered from, and 1 when it was given up. After an error
-// there is no tree. The document keeps a copy of the text unless the text is its own.
+// with or without errors that could be recovered from, and 1 when it was given up, as it is after
+// an internal error when the host has no memory. After an error there is no tree. The document
+// keeps a copy of the text unless the text is its own.
 SBD_API int sbd_yyparse(FlexLexer* scanner, void* parser_para);
 
 // The parser's error routine: counts a syntax error at the scanner's current match and posts it.
@@ -133,8 +134,9 @@ SBD_API void sbd_yyerror(FlexLexer* scanner, void* parser_para);
 // The actions of the grammar's rules. Each returns a new record; records made from the reader's own
 // tokens lie in the memory of the document that is read, all others come from the host's memory
 // manager as if by `new`. Null where an argument must not be null is an internal error, and the
-// record then lacks that part. A NUL byte in a string or a comment becomes a blank, since texts end
-// at their first NUL.
+// record then lacks that part. When the host has no memory for a record, that is an internal error,
+// too; the result is then null, and records that were handed over stay the caller's. A NUL byte in
+// a string or a comment becomes a blank, since texts end at their first NUL.
 
 // The record of the scanner's current match.
 SBD_API SBD_FILE_PARSER::SBD_TOKEN_INFO sbd_copy_token(const sbd_yyFlexLexer& scanner);

@@ -111,6 +111,8 @@ class SBD_API SBD_VELDRAN_PARAMETER_READER : public SBD_PARAMETER_READER {
  private:
   template <class ROW>
   bool validate_rows(const ROW* row, const SBD_PREPARED_NAME* names);
+  bool judge_parameter(const SBD_STRING& name, bool is_defined, bool has_value,
+                       REQUIRED requirement, bool validate_value);
   void report_fault(const SBD_STRING& name, bool is_missing);
 };
 

@@ -2,6 +2,7 @@
 #include "sbd/access/sbd_new_records.h"
 #include "sbd/access/sbd_refusal.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_parser_build.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_file_parser.h"
@@ -42,6 +43,12 @@ SBD_PARA_VALUE::VALUE_TYPE type_of_base(unsigned char base) {
   return SBD_PARA_VALUE::VT_UDECIMAL;
 }
 
+SBD_STATEMENT* find_statement(const SBD_FILE_PARSER& document, const char* block,
+                              const char* parameter) {
+  const SBD_NODE* const node = SBD_LOOKUP::find_member(document, block, parameter);
+  return node != nullptr && node->type == SBD_NODE::NT_STATEMENT ? node->statement : nullptr;
+}
+
 bool refuse_value(const char* block, const char* parameter, const char* reason) {
   return sbd_refuse({"Cannot set value to the parameter: '", parameter, "' in the block: '", block,
                      "'. ", reason});
@@ -68,11 +75,11 @@ bool SBD_FILE_PARSER::set_value_check(const char* block, const char* parameter,
     if (!is_valid_parameter_name(parameter)) {
       return sbd_refuse({"Cannot set parameter value. Illegal parameter name."});
     }
-    SBD_NODE* const scope = get_ref_object(block, nullptr);
+    SBD_NODE* const scope = SBD_LOOKUP::find(*this, block, nullptr);
     if (scope == nullptr || scope->type != SBD_NODE::NT_BLOCK) {
       return refuse_value(block, parameter, "Block does not exit.");
     }
-    SBD_NODE* const present = get_ref_object(parameter, scope);
+    SBD_NODE* const present = SBD_LOOKUP::find(*this, parameter, scope);
     if (present != nullptr && present->type != SBD_NODE::NT_STATEMENT) {
       return refuse_value(block, parameter,
                           "The parameter name has already been used as a block name.");
@@ -166,7 +173,7 @@ bool SBD_FILE_PARSER::set_value(const char* block, const char* parameter, int fl
 
 bool SBD_FILE_PARSER::set_value(const char* block, const char* parameter, const SBD_STRING& text) {
   return change_value(block, parameter, k_yields_to_text, [&text](SBD_PARA_VALUE& value) {
-    value.text = sbd_copy_text(text.c_str());
+    value.text = sbd_duplicate_text(text.c_str());
     value.type = SBD_PARA_VALUE::VT_STRING;
   });
 }
@@ -199,7 +206,7 @@ SBD_FILE_PARSER::SBD_PARA_VALUE* SBD_FILE_PARSER::copy_value(const SBD_PARA_VALU
     left.pop_back();
     pair.to->unit = pair.from->unit;
     if (pair.from->type == SBD_PARA_VALUE::VT_STRING) {
-      pair.to->text = sbd_copy_text(pair.from->text);
+      pair.to->text = sbd_duplicate_text(pair.from->text);
     } else if (pair.from->type == SBD_PARA_VALUE::VT_BOOL) {
       pair.to->flag = pair.from->flag;
     } else if (pair.from->type != SBD_PARA_VALUE::VT_LIST) {
@@ -209,7 +216,7 @@ SBD_FILE_PARSER::SBD_PARA_VALUE* SBD_FILE_PARSER::copy_value(const SBD_PARA_VALU
       pair.to->type = SBD_PARA_VALUE::VT_LIST;
       for (const SBD_PARA_VALUE* const element : *pair.from->list) {
         auto copy = std::make_unique<SBD_PARA_VALUE>();
-        pair.to->list->push_back(copy.get());
+        SBD_STORE::append(*pair.to->list, copy.get());
         left.push_back({element, copy.release()});
       }
     }
@@ -230,11 +237,11 @@ bool SBD_FILE_PARSER::set_value(const char* block, const char* parameter,
     SBD_NEW_LIST<SBD_PARA_REF> references;
     for (const SBD_STRING& name : names) {
       SBD_PARA_REF& reference = references.append();
-      reference.target = get_ref_object(name.c_str(), nullptr);
+      reference.target = SBD_LOOKUP::find(*this, name.c_str(), nullptr);
       if (reference.target == nullptr) {
         return refuse_value(block, parameter, "Invalid input reference value.");
       }
-      reference.name = sbd_copy_text(name.c_str());
+      reference.name = sbd_duplicate_text(name.c_str());
     }
     SBD_STATEMENT* const statement =
         para_node != nullptr ? para_node->statement
@@ -258,7 +265,7 @@ bool SBD_FILE_PARSER::set_attribute(const char* block, const char* parameter,
     if (block == nullptr || parameter == nullptr) {
       return sbd_refuse({"Cannot set the attribute. NULL block/parameter name"});
     }
-    SBD_STATEMENT* const statement = get_statement(block, parameter);
+    SBD_STATEMENT* const statement = find_statement(*this, block, parameter);
     if (statement == nullptr) {
       return refuse_attributes(block, parameter, "Parameter is not defined.");
     }
@@ -273,8 +280,8 @@ bool SBD_FILE_PARSER::set_attribute(const char* block, const char* parameter,
         return false;
       }
       SBD_PARA_ATTR& copy = copies.append();
-      copy.attr_key = sbd_copy_text(attribute->attr_key);
-      copy.attr_value = sbd_copy_text(attribute->attr_value);
+      copy.attr_key = sbd_duplicate_text(attribute->attr_key);
+      copy.attr_value = sbd_duplicate_text(attribute->attr_value);
     }
     m_store->free_attributes(statement->attributes);
     statement->attributes = copies.release();
@@ -290,7 +297,7 @@ void SBD_FILE_PARSER::delete_attribute(const char* block, const char* parameter)
       sbd_warn({"Cannot delete attributes. NULL block/parameter name"});
       return false;
     }
-    SBD_STATEMENT* const statement = get_statement(block, parameter);
+    SBD_STATEMENT* const statement = find_statement(*this, block, parameter);
     if (statement == nullptr || statement->type == SBD_STATEMENT::ST_REFERENCE) {
       sbd_warn({"Cannot delete attributes of the parameter: '", parameter, "' in the block: '",
                 block, "'. ",
@@ -311,7 +318,7 @@ void SBD_FILE_PARSER::delete_parameter(const char* block, const char* parameter)
       sbd_warn({"Cannot delete parameter. NULL block/parameter name"});
       return false;
     }
-    SBD_NODE* const node = find_member(block, parameter);
+    SBD_NODE* const node = SBD_LOOKUP::find_member(*this, block, parameter);
     if (node == nullptr) return false;
     const SBD_STRING prefix =
         sbd_join_texts({"Cannot delete parameter: '", parameter, "' from block: '", block, "'. "});
@@ -319,7 +326,7 @@ void SBD_FILE_PARSER::delete_parameter(const char* block, const char* parameter)
       sbd_warn({prefix.c_str(), "Parameter does not exist."});
       return false;
     }
-    if (is_referenced(node, m_parser_para.root)) {
+    if (SBD_LOOKUP::is_referenced(*this, node, m_parser_para.root)) {
       return sbd_refuse(
           {prefix.c_str(), "Parameter is being used (referenced) by other block/parameter"});
     }

@@ -2,6 +2,7 @@
 #include "sbd/access/sbd_new_records.h"
 #include "sbd/access/sbd_refusal.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_parser_build.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
@@ -44,14 +45,17 @@ bool SBD_FILE_PARSER::create_block(const char* type, const char* name, const cha
     if (block_type == SBD_BLOCK::BT_UNKNOWN) {
       return refuse_block(type, name, parent, "Invaid block type.");
     }
-    SBD_NODE* const parent_node = parent != nullptr ? get_ref_object(parent, nullptr) : nullptr;
+    SBD_NODE* const parent_node =
+        parent != nullptr ? SBD_LOOKUP::find(*this, parent, nullptr) : nullptr;
     if (parent == nullptr && block_type != SBD_BLOCK::BT_DEVICE) {
       return refuse_block(type, name, parent, "Invalid block hierarchy.");
     }
     if (parent != nullptr && (parent_node == nullptr || parent_node->type != SBD_NODE::NT_BLOCK)) {
       return refuse_block(type, name, parent, "Parent block does not exist.");
     }
-    if (is_block_defined(full_name_of(parent, name).c_str())) {
+    const SBD_NODE* const present =
+        SBD_LOOKUP::find(*this, full_name_of(parent, name).c_str(), nullptr);
+    if (present != nullptr && present->type == SBD_NODE::NT_BLOCK) {
       return refuse_block(type, name, parent, "Block already exists.");
     }
     add_block(block_type, type, name, parent_node);
@@ -82,13 +86,13 @@ void SBD_FILE_PARSER::delete_block(const char* name) {
   if (m_store == nullptr) return;
   if (!SBD_CHECK(name != nullptr, "block_ref_name != NULL", k_source_file_parser)) return;
   sbd_guarded(k_source_file_parser, false, [this, name] {
-    SBD_NODE* const node = get_ref_object(name, nullptr);
+    SBD_NODE* const node = SBD_LOOKUP::find(*this, name, nullptr);
     if (node == nullptr) return false;
     if (node->type != SBD_NODE::NT_BLOCK) {
       sbd_warn({"Cannot delete block: '", name, "'. ", "Specified block does not exist."});
       return false;
     }
-    if (is_referenced(node, m_parser_para.root)) {
+    if (SBD_LOOKUP::is_referenced(*this, node, m_parser_para.root)) {
       return sbd_refuse({"Cannot delete block: '", name, "'. ",
                          "Block is being used (referenced) by other block/parameter"});
     }
@@ -101,8 +105,10 @@ void SBD_FILE_PARSER::delete_block(const char* name) {
 bool SBD_FILE_PARSER::rename(const char* old_name, const char* new_name, const char* scope) {
   if (m_store == nullptr || old_name == nullptr || new_name == nullptr) return false;
   return sbd_guarded(k_source_file_parser, false, [=] {
-    if (get_ref_object(full_name_of(scope, new_name).c_str(), nullptr) != nullptr) return false;
-    SBD_NODE* const node = get_ref_object(full_name_of(scope, old_name).c_str(), nullptr);
+    if (SBD_LOOKUP::find(*this, full_name_of(scope, new_name).c_str(), nullptr) != nullptr) {
+      return false;
+    }
+    SBD_NODE* const node = SBD_LOOKUP::find(*this, full_name_of(scope, old_name).c_str(), nullptr);
     if (node == nullptr || !is_valid_parameter_name(new_name)) return false;
     SBD_SYMBOL** const slot = name_slot(node);
     if (slot == nullptr || *slot == nullptr) return false;
@@ -128,19 +134,19 @@ SBD_FILE_PARSER::SBD_SYMBOL** SBD_FILE_PARSER::name_slot(SBD_NODE* node) const {
 }
 
 bool SBD_FILE_PARSER::move_member(const char* name, const char* sibling, bool is_behind) {
-  SBD_NODE* const node = get_ref_object(name, nullptr);
-  SBD_NODE* const mark = get_ref_object(sibling, nullptr);
-  if (node == nullptr || mark == nullptr || node == mark) return false;
-  const SBD_SYMBOL* const symbol = sbd_symbol_of(node);
-  const SBD_SYMBOL* const mark_symbol = sbd_symbol_of(mark);
-  if (symbol == nullptr || mark_symbol == nullptr) return false;
-  const SBD_NODE* const scope = SBD_NAME_INDEX::scope_of(symbol);
-  if (scope != SBD_NAME_INDEX::scope_of(mark_symbol)) return false;
+  return sbd_guarded(k_source_file_parser, false, [=] {
+    SBD_NODE* const node = SBD_LOOKUP::find(*this, name, nullptr);
+    SBD_NODE* const mark = SBD_LOOKUP::find(*this, sibling, nullptr);
+    if (node == nullptr || mark == nullptr || node == mark) return false;
+    const SBD_SYMBOL* const symbol = sbd_symbol_of(node);
+    const SBD_SYMBOL* const mark_symbol = sbd_symbol_of(mark);
+    if (symbol == nullptr || mark_symbol == nullptr) return false;
+    const SBD_NODE* const scope = SBD_NAME_INDEX::scope_of(symbol);
+    if (scope != SBD_NAME_INDEX::scope_of(mark_symbol)) return false;
 
-  SBD_NODE* const parent = scope != nullptr ? symbol->parent : nullptr;
-  SBD_NODE*& first = parent != nullptr ? parent->block->members : m_parser_para.root;
-  SBD_NODE*& last = parent != nullptr ? parent->block->m_last : m_store->last_root;
-  return sbd_guarded(k_source_file_parser, false, [&] {
+    SBD_NODE* const parent = scope != nullptr ? symbol->parent : nullptr;
+    SBD_NODE*& first = parent != nullptr ? parent->block->members : m_parser_para.root;
+    SBD_NODE*& last = parent != nullptr ? parent->block->m_last : m_store->last_root;
     m_store->names.index_scope(parent, first, m_store->pool);
     SBD_NODE* previous = nullptr;
     if (!m_store->node_links.unlink(first, node, &previous)) return false;
@@ -159,7 +165,8 @@ void SBD_FILE_PARSER::delete_reference(const char* name) {
 void SBD_FILE_PARSER::delete_reference(const SBD_NODE* target, SBD_NODE* first) {
   if (m_store == nullptr || target == nullptr || first == nullptr) return;
   sbd_guarded(k_source_file_parser, false, [this, target, first] {
-    if (first == m_parser_para.root && !is_referenced(target, first)) return true;
+    if (first == m_parser_para.root && !SBD_LOOKUP::is_referenced(*this, target, first))
+      return true;
     // Statements that lose their last reference go when the walk is over, which needs them linked.
     SBD_SCRATCH<SBD_NODE*, 16> emptied;
     SBD_TREE_WALK walk(first);

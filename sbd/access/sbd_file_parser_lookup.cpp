@@ -3,10 +3,15 @@
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_file_parser.h"
+
+using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
+using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 
 namespace {
 
@@ -35,18 +40,24 @@ SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::first_member(const SBD_NODE* scope) 
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::get_ref_object(const char* ref,
                                                            const SBD_NODE* scope) const {
-  return ref != nullptr ? find_object(nullptr, ref, scope) : nullptr;
-}
-
-SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_object(const char* block, const char* name,
-                                                        const SBD_NODE* scope) const {
-  if (m_store == nullptr) return nullptr;
   return sbd_guarded(k_source_file_parser, static_cast<SBD_NODE*>(nullptr),
-                     [=] { return resolve_name(SBD_JOINED_NAME(block, name), scope); });
+                     [=] { return SBD_LOOKUP::find(*this, ref, scope); });
 }
 
-SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(const SBD_JOINED_NAME& name,
-                                                         const SBD_NODE* scope) const {
+SBD_NODE* SBD_LOOKUP::find(const SBD_FILE_PARSER& document, const char* name,
+                           const SBD_NODE* scope) {
+  if (document.m_store == nullptr || name == nullptr) return nullptr;
+  return resolve(document, SBD_JOINED_NAME(nullptr, name), scope);
+}
+
+SBD_NODE* SBD_LOOKUP::find_member(const SBD_FILE_PARSER& document, const char* block,
+                                  const char* parameter) {
+  if (document.m_store == nullptr || block == nullptr || parameter == nullptr) return nullptr;
+  return resolve(document, SBD_JOINED_NAME(block, parameter), nullptr);
+}
+
+SBD_NODE* SBD_LOOKUP::resolve(const SBD_FILE_PARSER& document, const SBD_JOINED_NAME& name,
+                              const SBD_NODE* scope) {
   const std::string_view whole = name.view();
   if (scope == nullptr) {
     SBD_NODE* const found = m_store->names.find_path(m_parser_para.root, whole, m_store->pool);
@@ -60,9 +71,9 @@ SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(const SBD_JOINED_NAME& 
       SBD_CHECK(!is_last, "ref[p1] == '.'", k_source_file_parser);
       return nullptr;
     }
-    const SBD_SYMBOL* const symbol =
-        m_store->names.find(scope, first_member(scope),
-                            std::string_view(part, static_cast<std::size_t>(part_end - part)));
+    const SBD_SYMBOL* const symbol = document.m_store->names.find(
+        scope, document.first_member(scope),
+        std::string_view(part, static_cast<std::size_t>(part_end - part)));
     if (symbol == nullptr) return nullptr;
     if (is_last) return symbol->node;
     scope = symbol->node;
@@ -71,6 +82,11 @@ SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::resolve_name(const SBD_JOINED_NAME& 
 }
 
 bool SBD_FILE_PARSER::get_ref_name(const SBD_NODE* node, SBD_STRING& name) const {
+  return sbd_guarded(k_source_file_parser, false,
+                     [node, &name] { return SBD_LOOKUP::make_full_name(node, name); });
+}
+
+bool SBD_LOOKUP::make_full_name(const SBD_NODE* node, SBD_STRING& name) {
   if (node == nullptr || node->type == SBD_NODE::NT_COMMENT) return false;
   const bool is_statement = node->type == SBD_NODE::NT_STATEMENT;
   const bool is_known = is_statement || node->type == SBD_NODE::NT_BLOCK;
@@ -79,24 +95,22 @@ bool SBD_FILE_PARSER::get_ref_name(const SBD_NODE* node, SBD_STRING& name) const
                                            node->statement->type == SBD_STATEMENT::ST_REFERENCE);
   if (!SBD_CHECK(has_known_type, "Invalid statement type", k_source_file_parser)) return false;
 
-  return sbd_guarded(k_source_file_parser, false, [node, &name] {
-    // Upwards once to measure, and once more to write the name from its end.
-    std::size_t length = 0;
-    for (const SBD_SYMBOL* symbol = sbd_symbol_of(node);;) {
-      if (symbol == nullptr || symbol->name == nullptr) return false;
-      length += std::strlen(symbol->name) + 1;
-      if (symbol->parent == symbol->node) break;
-      symbol = symbol->parent == nullptr ? nullptr : sbd_symbol_of(symbol->parent);
-    }
-    SBD_STRING full_name(length - 1, '.');
-    std::size_t begin = length;
-    for (const SBD_SYMBOL* symbol = sbd_symbol_of(node); begin != 0;
-         symbol = sbd_symbol_of(symbol->parent)) {
-      const std::size_t size = std::strlen(symbol->name);
-      begin -= size + 1;
-      full_name.replace(begin, size, symbol->name, size);
-    }
-    name = std::move(full_name);
-    return true;
-  });
+  // Upwards once to measure, and once more to write the name from its end.
+  std::size_t length = 0;
+  for (const SBD_SYMBOL* symbol = sbd_symbol_of(node);;) {
+    if (symbol == nullptr || symbol->name == nullptr) return false;
+    length += std::strlen(symbol->name) + 1;
+    if (symbol->parent == symbol->node) break;
+    symbol = symbol->parent == nullptr ? nullptr : sbd_symbol_of(symbol->parent);
+  }
+  SBD_STRING full_name(length - 1, '.');
+  std::size_t begin = length;
+  for (const SBD_SYMBOL* symbol = sbd_symbol_of(node); begin != 0;
+       symbol = sbd_symbol_of(symbol->parent)) {
+    const std::size_t size = std::strlen(symbol->name);
+    begin -= size + 1;
+    full_name.replace(begin, size, symbol->name, size);
+  }
+  name = std::move(full_name);
+  return true;
 }

@@ -1,6 +1,7 @@
 // Questions about a document: kinds, lists of blocks, references, typed values.
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
@@ -91,8 +92,8 @@ bool get_text(const SBD_NODE* node, SBD_STRING& value) {
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_member(const char* block,
                                                         const char* parameter) const {
-  if (block == nullptr || parameter == nullptr) return nullptr;
-  return find_object(block, parameter, nullptr);
+  return sbd_guarded(k_source_file_parser, static_cast<SBD_NODE*>(nullptr),
+                     [=] { return SBD_LOOKUP::find_member(*this, block, parameter); });
 }
 
 SBD_FILE_PARSER::SBD_BLOCK* SBD_FILE_PARSER::get_block(const char* name) const {
@@ -164,21 +165,26 @@ bool SBD_FILE_PARSER::is_referenced(const char* name) const {
 }
 
 bool SBD_FILE_PARSER::is_referenced(const SBD_NODE* target, const SBD_NODE* first) const {
-  if (m_store == nullptr || target == nullptr || first == nullptr) return false;
   return sbd_guarded(k_source_file_parser, false, [this, target, first] {
-    if (first == m_parser_para.root && m_store->counts_references(target)) {
-      return target->m_references > references_inside(target);
-    }
-    SBD_TREE_WALK walk(const_cast<SBD_NODE*>(first));
-    while (const SBD_NODE* const node = walk.next()) {
-      if (node == target) {
-        walk.skip_members();
-      } else if (count_references(node, target) != 0) {
-        return true;
-      }
-    }
-    return false;
+    return SBD_LOOKUP::is_referenced(*this, target, first);
   });
+}
+
+bool SBD_LOOKUP::is_referenced(const SBD_FILE_PARSER& document, const SBD_NODE* target,
+                               const SBD_NODE* first) {
+  if (document.m_store == nullptr || target == nullptr || first == nullptr) return false;
+  if (first == document.m_parser_para.root && document.m_store->counts_references(target)) {
+    return target->m_references > references_inside(target);
+  }
+  SBD_TREE_WALK walk(const_cast<SBD_NODE*>(first));
+  while (const SBD_NODE* const node = walk.next()) {
+    if (node == target) {
+      walk.skip_members();
+    } else if (count_references(node, target) != 0) {
+      return true;
+    }
+  }
+  return false;
 }
 
 bool SBD_FILE_PARSER::get_block_type(const char* name, SBD_STRING& type) const {
@@ -217,16 +223,18 @@ void SBD_FILE_PARSER::get_typed_blocks(SBD_BLOCK::BLOCK_TYPE type, SBD_STRING_LI
 void SBD_FILE_PARSER::get_typed_blocks(SBD_BLOCK::BLOCK_TYPE type, SBD_STRING_LIST& names,
                                        const SBD_NODE* scope) const {
   sbd_guarded(k_source_file_parser, false, [this, type, &names, scope] {
+    SBD_STRING_LIST found;
     SBD_TREE_WALK walk(first_member(scope));
     while (const SBD_NODE* const node = walk.next()) {
       if (node->type != SBD_NODE::NT_BLOCK || node->block == nullptr) continue;
       if (node->block->block_type != type) continue;
       SBD_STRING name;
-      if (SBD_CHECK(get_ref_name(node, name), "Can not get block ref name from block node",
-                    k_source_file_parser)) {
-        names.push_back(std::move(name));
+      if (SBD_CHECK(SBD_LOOKUP::make_full_name(node, name),
+                    "Can not get block ref name from block node", k_source_file_parser)) {
+        found.push_back(std::move(name));
       }
     }
+    names.splice(names.end(), found);
     return true;
   });
 }

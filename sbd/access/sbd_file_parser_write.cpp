@@ -6,7 +6,7 @@
 
 #include "sbd/access/sbd_text_out.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/sbd_file_parser.h"
@@ -263,7 +263,7 @@ bool SBD_FILE_PARSER::write(const char* path) const {
   return sbd_guarded(k_source_file_parser, false, [this, path] {
     std::FILE* const stream = path != nullptr ? std::fopen(path, "w") : stdout;
     if (stream == nullptr) {
-      post_message(MSG_SBD::E::SBD_FILE_ERROR(path));
+      post_message(sbd_make_message<MSG_E>(k_msg_file_error, path));
       return false;
     }
     const bool is_written = write(stream, m_parser_para.root, 0);

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_file_parser.h"
 
 struct SBD_NEW_TEXT_FREER {
@@ -12,7 +13,7 @@ struct SBD_NEW_TEXT_FREER {
 using SBD_NEW_TEXT = std::unique_ptr<char, SBD_NEW_TEXT_FREER>;
 
 inline SBD_NEW_TEXT sbd_new_text(const char* text) {
-  return SBD_NEW_TEXT(sbd_copy_text(text));
+  return SBD_NEW_TEXT(sbd_duplicate_text(text));
 }
 
 // A symbol with a copy of the name, for `node` in the scope of `parent`; not entered.

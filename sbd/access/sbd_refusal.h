@@ -4,7 +4,7 @@
 
 #include <initializer_list>
 
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/sbd_file_parser.h"
 
 inline SBD_STRING sbd_join_texts(std::initializer_list<const char*> texts) {
@@ -15,12 +15,14 @@ inline SBD_STRING sbd_join_texts(std::initializer_list<const char*> texts) {
 
 // Posts the texts, joined, as an error and returns false.
 inline bool sbd_refuse(std::initializer_list<const char*> texts) {
-  SBD_FILE_PARSER::post_message(MSG_SBD::E::SBD_ERROR(sbd_join_texts(texts).c_str()));
+  SBD_FILE_PARSER::post_message(
+      sbd_make_message<MSG_E>(k_msg_error, sbd_join_texts(texts).c_str()));
   return false;
 }
 
 inline void sbd_warn(std::initializer_list<const char*> texts) {
-  SBD_FILE_PARSER::post_message(MSG_SBD::W::SBD_WARNING(sbd_join_texts(texts).c_str()));
+  SBD_FILE_PARSER::post_message(
+      sbd_make_message<MSG_W>(k_msg_warning, sbd_join_texts(texts).c_str()));
 }
 
 #endif

@@ -2,6 +2,7 @@
 #include "sbd/device/sbd_rules.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace {
 
@@ -17,10 +18,14 @@ unsigned long look_up_number(const SBD_PARAMETER_READER& reader, const char* ref
   return reader.lookup_dword_parameter(reference, is_defined, has_value, false);
 }
 
-SBD_STRING look_up_text(const SBD_PARAMETER_READER& reader, const char* reference) {
+// The reader's own text; a copy would take memory.
+std::string_view look_up_text(const SBD_PARAMETER_READER& reader, const char* reference) {
+  const auto* const record = reader.find_parameter(reference);
+  if (record != nullptr) return record->m_string_value;
   bool is_defined = false;
   bool has_value = false;
-  return reader.lookup_string_parameter(reference, is_defined, has_value, false);
+  (void)reader.lookup_string_parameter(reference, is_defined, has_value, false);  // Reports that.
+  return {};
 }
 
 bool is_in(const SBD_VALUE_SET& values, const SBD_PARAMETER_READER& reader, const char* reference) {
@@ -39,7 +44,7 @@ bool is_in(const SBD_VALUE_SET& values, const SBD_PARAMETER_READER& reader, cons
       return std::find(values.numbers, end, number) != end;
     }
     case SBD_VALUE_SET::VS_TEXTS: {
-      const SBD_STRING text = look_up_text(reader, reference);
+      const std::string_view text = look_up_text(reader, reference);
       const char* const* const end = values.texts + values.count;
       return std::find(values.texts, end, text) != end;
     }

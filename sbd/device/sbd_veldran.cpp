@@ -4,9 +4,10 @@
 #include "sbd/device/sbd_device_sources.h"
 #include "sbd/device/sbd_veldran_keyword_texts.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_veldran_keywords.h"
 #include "sbd/sbd_veldran_parameter_reader.h"
@@ -14,6 +15,8 @@
 namespace {
 
 using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
+using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 
 constexpr char k_has_device_name[] = "(!m_device_name.empty())";
 constexpr char k_has_reader[] = "m_parameter_reader != NULL";
@@ -60,6 +63,15 @@ SBD_PARAMETER_READER* make_reader(const SBD_VELDRAN& device, const SBD_STRING& m
 bool has_block(const SBD_NODE* node) {
   while (node != nullptr && node->type != SBD_NODE::NT_BLOCK) node = node->next;
   return node != nullptr;
+}
+
+// The text that a node states; null for any other node and value.
+const char* text_of(const SBD_NODE* node) {
+  if (node == nullptr || node->type != SBD_NODE::NT_STATEMENT) return nullptr;
+  const SBD_STATEMENT* const statement = node->statement;
+  if (statement == nullptr || statement->type != SBD_STATEMENT::ST_ASSIGNMENT) return nullptr;
+  const SBD_PARA_VALUE* const value = statement->value;
+  return value != nullptr && value->type == SBD_PARA_VALUE::VT_STRING ? value->text : nullptr;
 }
 
 void clear_value(SBD_STRING& value) {
@@ -126,7 +138,7 @@ bool SBD_VELDRAN::read_device() {
     // Without a stripe, or with several, the file is good as far as it goes.
     if (stripe == nullptr) return true;
     SBD_STRING module_name;
-    if (!get_ref_name(stripe, module_name)) return false;
+    if (!SBD_LOOKUP::make_full_name(stripe, module_name)) return false;
     m_parameter_reader = make_reader(*this, module_name);
     return m_parameter_reader != nullptr && m_parameter_reader->read_and_validate_parameters();
   });
@@ -137,7 +149,7 @@ bool SBD_VELDRAN::read_device() {
 bool SBD_VELDRAN::check_device() {
   SBD_CHECK(!m_device_name.empty(), k_has_device_name, k_source_veldran);
   return sbd_guarded(k_source_veldran, false, [this] {
-    const SBD_NODE* const node = get_ref_object(m_device_name.c_str(), nullptr);
+    const SBD_NODE* const node = SBD_LOOKUP::find(*this, m_device_name.c_str(), nullptr);
     const bool is_device = node != nullptr && node->type == SBD_NODE::NT_BLOCK &&
                            node->block != nullptr &&
                            node->block->block_type == SBD_BLOCK::BT_DEVICE;
@@ -159,7 +171,7 @@ bool SBD_VELDRAN::check_family(const SBD_NODE* device_node) {
   SBD_STRING family;
   if (!get_text(m_device_name, SBD_VEL_FAMILY, family)) {
     set_fault_place(member_or_block(device_node, SBD_VEL_FAMILY));
-    post_message(MSG_SBD::E::FAMILY_NOT_DEFINED_ERROR(m_device_name.c_str()));
+    post_message(sbd_make_message<MSG_E>(k_msg_family_not_defined_error, m_device_name.c_str()));
     return false;
   }
   if (family == SBD_VEL_VELDRAN_ARM) {
@@ -169,7 +181,7 @@ bool SBD_VELDRAN::check_family(const SBD_NODE* device_node) {
   } else {
     set_family(DF_UNKNOWN);
     set_fault_place(member_or_block(device_node, SBD_VEL_FAMILY));
-    post_message(MSG_SBD::E::UNSUPPORTED_FAMILY_ERROR(family.c_str()));
+    post_message(sbd_make_message<MSG_E>(k_msg_unsupported_family_error, family.c_str()));
     return false;
   }
   return true;
@@ -192,25 +204,27 @@ bool SBD_VELDRAN::check_type(const SBD_NODE* device_node) {
 
 // A text value in lower case; false for a member that is none.
 bool SBD_VELDRAN::get_text(const SBD_STRING& block, const char* parameter, SBD_STRING& text) const {
-  if (!get_value(block.c_str(), parameter, text)) return false;
+  const char* const stated = text_of(SBD_LOOKUP::find_member(*this, block.c_str(), parameter));
+  if (stated == nullptr) return false;
+  text = stated;
   sbd_lower(text);
   return true;
 }
 
 const SBD_NODE* SBD_VELDRAN::member_or_block(const SBD_NODE* block, const char* parameter) const {
-  const SBD_NODE* const member = get_ref_object(parameter, block);
+  const SBD_NODE* const member = SBD_LOOKUP::find(*this, parameter, block);
   return member != nullptr ? member : block;
 }
 
 bool SBD_VELDRAN::refuse_device(const SBD_NODE* place, const char* reason) const {
   set_fault_place(place);
-  post_message(MSG_SBD::E::SBD_VEL_DEVICE_ERROR(reason));
+  post_message(sbd_make_message<MSG_E>(k_msg_vel_device_error, reason));
   return false;
 }
 
 // The one stripe module; null when there is none, and, after posting that, when there are several.
 const SBD_NODE* SBD_VELDRAN::find_stripe() const {
-  const SBD_NODE* const device_node = get_ref_object(m_device_name.c_str(), nullptr);
+  const SBD_NODE* const device_node = SBD_LOOKUP::find(*this, m_device_name.c_str(), nullptr);
   if (device_node == nullptr) return nullptr;
   const SBD_NODE* stripe = nullptr;
   SBD_TREE_WALK walk(sbd_members_of(device_node));
@@ -218,8 +232,8 @@ const SBD_NODE* SBD_VELDRAN::find_stripe() const {
     if (!is_stripe(node)) continue;
     if (stripe != nullptr) {
       set_fault_place(node);
-      post_message(
-          MSG_SBD::E::SBD_VEL_MODULE_ERROR("Multiple specification of the Veldran module block"));
+      post_message(sbd_make_message<MSG_E>(k_msg_vel_module_error,
+                                           "Multiple specification of the Veldran module block"));
       return nullptr;
     }
     stripe = node;
@@ -230,21 +244,15 @@ const SBD_NODE* SBD_VELDRAN::find_stripe() const {
 bool SBD_VELDRAN::is_stripe(const SBD_NODE* node) const {
   if (node->type != SBD_NODE::NT_BLOCK || node->block == nullptr) return false;
   if (node->block->block_type != SBD_BLOCK::BT_MODULE) return false;
-  const SBD_NODE* const type = get_ref_object(SBD_VEL_TYPE, node);
-  if (type == nullptr || type->type != SBD_NODE::NT_STATEMENT || type->statement == nullptr) {
-    return false;
-  }
-  if (type->statement->type != SBD_STATEMENT::ST_ASSIGNMENT) return false;
-  const SBD_PARA_VALUE* const value = type->statement->value;
-  return value != nullptr && value->type == SBD_PARA_VALUE::VT_STRING && value->text != nullptr &&
-         sbd_equal_ignoring_case(value->text, SBD_VEL_VELDRAN_STRIPE);
+  const char* const type = text_of(SBD_LOOKUP::find(*this, SBD_VEL_TYPE, node));
+  return type != nullptr && sbd_equal_ignoring_case(type, SBD_VEL_VELDRAN_STRIPE);
 }
 
 bool SBD_VELDRAN::get_module_ref_name(SBD_STRING& module_name) const {
   SBD_CHECK(!m_device_name.empty(), k_has_device_name, k_source_veldran);
   return sbd_guarded(k_source_veldran, false, [this, &module_name] {
     const SBD_NODE* const stripe = find_stripe();
-    return stripe != nullptr && get_ref_name(stripe, module_name);
+    return stripe != nullptr && SBD_LOOKUP::make_full_name(stripe, module_name);
   });
 }
 

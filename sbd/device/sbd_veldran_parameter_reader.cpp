@@ -8,7 +8,7 @@
 #include "sbd/device/sbd_row_names.h"
 #include "sbd/device/sbd_rules.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/parameter/sbd_parameter_store.h"
 #include "sbd/sbd_veldran.h"
 
@@ -63,17 +63,23 @@ void look_up_row(const READER& reader, const READER::DOUBLE_ROW&, const char* na
 
 void look_up_row(const READER& reader, const READER::STRING_ROW&, const char* name,
                  bool& is_defined, bool& has_value) {
+  // Every string counts as stated, and a copy of it would take memory.
+  is_defined = has_value = reader.find_parameter(name) != nullptr;
+  if (is_defined) return;
   reader.lookup_string_parameter(name, is_defined, has_value, false);
 }
 
+// False when something could not be kept; what is behind it is then left alone.
 template <class ROW>
-void read_rows(READER& reader, SBD_PARAMETER_WALK& walk, const ROW* row,
+bool read_rows(READER& reader, SBD_PARAMETER_WALK& walk, const ROW* row,
                const SBD_PREPARED_NAME* name) {
   for (; row->parameter_name != nullptr; ++row, ++name) {
     if (!reader.is_for_this_device(row->device_mask)) continue;
     walk.move_to(*name);
     read_row(reader, *row);
+    if (!walk.is_good()) return false;
   }
+  return true;
 }
 
 void report_without_rule(const char* before, const SBD_STRING& name, const char* behind) {
@@ -97,11 +103,10 @@ bool SBD_VELDRAN_PARAMETER_READER::read_all_parameters() {
   return sbd_guarded(k_source_veldran_parameter_reader, false, [this] {
     const SBD_ROW_NAMES& names = SBD_ROW_NAMES::get();
     SBD_PARAMETER_WALK walk(*this, SBD_ROW_NAMES::k_count);
-    read_rows(*this, walk, sbd_veldran_bool_parameters, names.bools());
-    read_rows(*this, walk, sbd_veldran_dword_parameters, names.dwords());
-    read_rows(*this, walk, sbd_veldran_double_parameters, names.doubles());
-    read_rows(*this, walk, sbd_veldran_string_parameters, names.strings());
-    return walk.is_good();
+    return read_rows(*this, walk, sbd_veldran_bool_parameters, names.bools()) &&
+           read_rows(*this, walk, sbd_veldran_dword_parameters, names.dwords()) &&
+           read_rows(*this, walk, sbd_veldran_double_parameters, names.doubles()) &&
+           read_rows(*this, walk, sbd_veldran_string_parameters, names.strings());
   });
 }
 
@@ -118,7 +123,7 @@ bool SBD_VELDRAN_PARAMETER_READER::validate_rows(const ROW* row, const SBD_PREPA
     bool has_value = false;
     look_up_row(*this, *row, name.c_str(), is_defined, has_value);
     const auto requirement = static_cast<REQUIRED>(row->requirement);
-    if (!validate_parameter(name, is_defined, has_value, requirement, row->validate_value)) {
+    if (!judge_parameter(name, is_defined, has_value, requirement, row->validate_value)) {
       is_good = false;
     }
   }
@@ -151,23 +156,28 @@ bool SBD_VELDRAN_PARAMETER_READER::validate_parameter(const SBD_STRING& name, bo
                                                       bool has_value, REQUIRED requirement,
                                                       bool validate_value) noexcept {
   return sbd_guarded(k_source_veldran_parameter_reader, false, [&] {
-    const bool is_by_rule = requirement == RQ_BY_RULE;
-    const bool is_required =
-        requirement == RQ_ALWAYS || (is_by_rule && is_parameter_required(name));
-    if (!is_defined) {
-      if (is_required) report_fault(name, true);
-      mark_parameter_as_validated(name.c_str());
-      return !is_required;
-    }
-    bool is_good = has_value;
-    if (has_value && validate_value && (!is_by_rule || is_required)) {
-      is_good = is_parameter_value_valid(name);
-    } else {
-      mark_parameter_as_validated(name.c_str());
-    }
-    if (!is_good) report_fault(name, false);
-    return is_good;
+    return judge_parameter(name, is_defined, has_value, requirement, validate_value);
   });
+}
+
+bool SBD_VELDRAN_PARAMETER_READER::judge_parameter(const SBD_STRING& name, bool is_defined,
+                                                   bool has_value, REQUIRED requirement,
+                                                   bool validate_value) {
+  const bool is_by_rule = requirement == RQ_BY_RULE;
+  const bool is_required = requirement == RQ_ALWAYS || (is_by_rule && is_parameter_required(name));
+  if (!is_defined) {
+    if (is_required) report_fault(name, true);
+    mark_parameter_as_validated(name.c_str());
+    return !is_required;
+  }
+  bool is_good = has_value;
+  if (has_value && validate_value && (!is_by_rule || is_required)) {
+    is_good = is_parameter_value_valid(name);
+  } else {
+    mark_parameter_as_validated(name.c_str());
+  }
+  if (!is_good) report_fault(name, false);
+  return is_good;
 }
 
 bool SBD_VELDRAN_PARAMETER_READER::is_parameter_value_valid(const SBD_STRING& name) noexcept {
@@ -199,6 +209,6 @@ void SBD_VELDRAN_PARAMETER_READER::report_fault(const SBD_STRING& name, bool is_
 
   device.set_fault_place(place.statement != nullptr ? place.statement : place.innermost_block);
   if (!m_post_messages) return;
-  post_message(is_missing ? MSG_SBD::E::SBD_PARAMETER_MISSING_ERROR(name.c_str())
-                          : MSG_SBD::E::SBD_PARAMETER_VALUE_ERROR(name.c_str()));
+  post_message(is_missing ? sbd_make_message<MSG_E>(k_msg_parameter_missing_error, name.c_str())
+                          : sbd_make_message<MSG_E>(k_msg_parameter_value_error, name.c_str()));
 }

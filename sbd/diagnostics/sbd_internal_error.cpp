@@ -15,3 +15,13 @@ void sbd_report_internal_error(const char* condition, const char* source, int li
     // The host's report failed; there is nobody left to tell.
   }
 }
+
+void sbd_report_exception(const char* source, int line) noexcept {
+  try {
+    throw;
+  } catch (const SBD_REPORTED&) {
+    return;
+  } catch (...) {
+    sbd_report_internal_error("out of memory", source, line);
+  }
+}

@@ -12,6 +12,13 @@ inline constexpr char k_source_file_parser[] = "sbd_file_parser";
 // what the host throws ends here.
 void sbd_report_internal_error(const char* condition, const char* source, int line) noexcept;
 
+// Thrown where an operation has to end because of what was reported before.
+struct SBD_REPORTED {};
+
+// Reports what was thrown and is being handled, unless that was done before. It can only be the
+// host's.
+void sbd_report_exception(const char* source, int line) noexcept;
+
 // True when `condition` holds; otherwise reports its text and returns false.
 #define SBD_CHECK(condition, text, source) \
   ((condition) ? true : (sbd_report_internal_error((text), (source), __LINE__), false))
@@ -23,7 +30,7 @@ RESULT sbd_guarded(const char* source, RESULT fallback, BODY&& body) noexcept {
   try {
     return std::forward<BODY>(body)();
   } catch (...) {
-    sbd_report_internal_error("out of memory", source, __LINE__);
+    sbd_report_exception(source, __LINE__);
     return fallback;
   }
 }

@@ -1,7 +1,6 @@
 // The reader's table: names, lookups, typed queries, marks.
 #include "sbd/sbd_parameter_reader.h"
 
-#include <new>
 #include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
@@ -72,10 +71,15 @@ SBD_PARAMETER_STORE* SBD_PARAMETER_READER::make_store(const SBD_FILE_PARSER& par
 SBD_PARAMETER_READER::SBD_PARAMETER_READER(const SBD_FILE_PARSER& parser,
                                            const SBD_STRING& module_name) noexcept
     : SBD_PARAMETER_READER(parser, make_store(parser, module_name)) {
-  sbd_guarded(k_source_parameter_reader, false, [this, &module_name] {
+  if (m_store == nullptr) return;
+  const bool has_name = sbd_guarded(k_source_parameter_reader, false, [this, &module_name] {
     m_module_name = module_name;
     return true;
   });
+  if (has_name) return;
+  // Without its name it could not tell the parameters of the module from others.
+  delete m_store;
+  m_store = nullptr;
 }
 
 SBD_PARAMETER_READER::SBD_PARAMETER_READER(const SBD_FILE_PARSER& parser,
@@ -98,7 +102,7 @@ void SBD_PARAMETER_READER::operator delete(void* reader) noexcept {
 }
 
 SBD_PARAMETER_STORE& SBD_PARAMETER_READER::store() {
-  if (m_store == nullptr) throw std::bad_alloc();
+  if (m_store == nullptr) throw SBD_REPORTED();  // When it was not made.
   return *m_store;
 }
 

@@ -4,6 +4,7 @@
 
 #include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_joined_name.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 
@@ -46,16 +47,16 @@ void SBD_MODULE_LOOKUP::begin_walk() {
   // No object has an empty name; asking for one would be reported.
   const SBD_STRING module_name(m_prefix, 0, m_prefix.size() - 1);
   const bool has_name = !module_name.empty();
-  m_module = has_name ? m_parser.get_ref_object(module_name.c_str(), nullptr) : nullptr;
+  m_module = has_name ? SBD_LOOKUP::find(m_parser, module_name.c_str(), nullptr) : nullptr;
   m_last_block_name = nullptr;
   m_last_block = nullptr;
   m_is_walking = true;
 }
 
 const SBD_NODE* SBD_MODULE_LOOKUP::find(const SBD_NODE* scope, const char* name) const {
-  if (m_is_walking) return scope != nullptr ? m_parser.get_ref_object(name, scope) : nullptr;
+  if (m_is_walking) return scope != nullptr ? SBD_LOOKUP::find(m_parser, name, scope) : nullptr;
   const SBD_STRING full_name = m_prefix + name;
-  return m_parser.get_ref_object(full_name.c_str(), nullptr);
+  return SBD_LOOKUP::find(m_parser, full_name.c_str(), nullptr);
 }
 
 const SBD_NODE* SBD_MODULE_LOOKUP::find_block(const char* block_name) {
@@ -169,9 +170,9 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
     : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count, m_end) {
+  m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;
-  m_store.lookup.begin_walk();
 }
 
 SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {

@@ -101,7 +101,7 @@ class SBD_BACK_LINKS {
     if (m_before.empty()) return;
     T* const next = element->next;
     if (next != nullptr && before != nullptr && m_before.count(element) != 0) {
-      m_before[next] = before;
+      keep(next, before);
     } else if (next != nullptr) {
       m_before.erase(next);
     }

@@ -2,7 +2,8 @@
 #include <cstring>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_file_parser.h"
@@ -46,21 +47,24 @@ bool SBD_FILE_PARSER::resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top
   if (symbol == nullptr) return true;
   symbol->parent = is_top_level && node->type == SBD_NODE::NT_BLOCK ? node : parent;
   m_store->names.rescope(symbol);
-  return check_declaration(symbol);
+  return judge_declaration(symbol);
 }
 
 bool SBD_FILE_PARSER::check_declaration(SBD_SYMBOL* symbol) {
+  return sbd_guarded(k_source_file_parser, false,
+                     [this, symbol] { return judge_declaration(symbol); });
+}
+
+bool SBD_FILE_PARSER::judge_declaration(SBD_SYMBOL* symbol) {
   if (!SBD_CHECK(symbol != nullptr, "symbol != NULL", k_source_file_parser)) return false;
   if (m_store == nullptr || symbol->name == nullptr) return true;
-  return sbd_guarded(k_source_file_parser, false, [this, symbol] {
-    const SBD_NODE* const scope = SBD_NAME_INDEX::scope_of(symbol);
-    if (!m_store->names.has_earlier(symbol, first_member(scope))) return true;
-    const std::uint32_t place = symbol->node != nullptr ? m_store->name_position(symbol->node) : 0;
-    m_store->set_fault(place, std::strlen(symbol->name));
-    post_message(MSG_SBD::E::SBD_DECLARATION_ERROR(message_file_name(), symbol->name,
-                                                   static_cast<int>(symbol->line)));
-    return false;
-  });
+  const SBD_NODE* const scope = SBD_NAME_INDEX::scope_of(symbol);
+  if (!m_store->names.has_earlier(symbol, first_member(scope))) return true;
+  const std::uint32_t place = symbol->node != nullptr ? m_store->name_position(symbol->node) : 0;
+  m_store->set_fault(place, std::strlen(symbol->name));
+  post_message(sbd_make_message<MSG_E>(k_msg_declaration_error, message_file_name(), symbol->name,
+                                       static_cast<int>(symbol->line)));
+  return false;
 }
 
 bool SBD_FILE_PARSER::check_semantic(SBD_NODE* list) {
@@ -71,7 +75,7 @@ bool SBD_FILE_PARSER::check_semantic(SBD_NODE* list) {
     while (SBD_NODE* const node = walk.next()) {
       switch (node->type) {
         case SBD_NODE::NT_BLOCK:
-          is_good = check_block(node->block) && is_good;
+          is_good = judge_block(node->block) && is_good;
           break;
         case SBD_NODE::NT_STATEMENT:
           is_good = check_statement(node->statement) && is_good;
@@ -91,12 +95,16 @@ bool SBD_FILE_PARSER::check_semantic(SBD_NODE* list) {
 bool SBD_FILE_PARSER::check_statement(SBD_STATEMENT* statement) {
   if (!SBD_CHECK(statement != nullptr, "statement != NULL", k_source_file_parser)) return true;
   if (statement->type == SBD_STATEMENT::ST_ASSIGNMENT) return true;
-  if (statement->type == SBD_STATEMENT::ST_REFERENCE) return resolve_reference(statement);
+  if (statement->type == SBD_STATEMENT::ST_REFERENCE) return judge_reference(statement);
   sbd_report_internal_error("Invalid statement type", k_source_file_parser, __LINE__);
   return true;
 }
 
 bool SBD_FILE_PARSER::check_block(SBD_BLOCK* block) {
+  return sbd_guarded(k_source_file_parser, false, [this, block] { return judge_block(block); });
+}
+
+bool SBD_FILE_PARSER::judge_block(SBD_BLOCK* block) {
   if (!SBD_CHECK(block != nullptr && block->name != nullptr, "block != NULL && block->name != NULL",
                  k_source_file_parser)) {
     return false;
@@ -121,44 +129,45 @@ bool SBD_FILE_PARSER::check_block(SBD_BLOCK* block) {
       sbd_report_internal_error("Invalid block type id", k_source_file_parser, __LINE__);
       return false;
   }
-  return sbd_guarded(k_source_file_parser, false, [this, block, symbol] {
-    const char* const type = block->type != nullptr ? block->type : "";
-    const char* const name = symbol->name != nullptr ? symbol->name : "";
-    if (m_store != nullptr) {
-      m_store->set_fault(symbol->node != nullptr ? symbol->node->m_position : 0, std::strlen(type));
-    }
-    const SBD_STRING text = SBD_STRING(type) + " " + name;
-    post_message(MSG_SBD::E::SBD_BLOCK_ERROR(message_file_name(), text.c_str(),
-                                             static_cast<int>(symbol->line)));
-    return false;
-  });
+  const char* const type = block->type != nullptr ? block->type : "";
+  const char* const name = symbol->name != nullptr ? symbol->name : "";
+  if (m_store != nullptr) {
+    m_store->set_fault(symbol->node != nullptr ? symbol->node->m_position : 0, std::strlen(type));
+  }
+  const SBD_STRING text = SBD_STRING(type) + " " + name;
+  post_message(sbd_make_message<MSG_E>(k_msg_block_error, message_file_name(), text.c_str(),
+                                       static_cast<int>(symbol->line)));
+  return false;
 }
 
 bool SBD_FILE_PARSER::resolve_reference(SBD_STATEMENT* statement) {
+  return sbd_guarded(k_source_file_parser, false,
+                     [this, statement] { return judge_reference(statement); });
+}
+
+bool SBD_FILE_PARSER::judge_reference(SBD_STATEMENT* statement) {
   if (!SBD_CHECK(statement != nullptr && statement->name != nullptr,
                  "statement != NULL && statement->name != NULL", k_source_file_parser)) {
     return false;
   }
   if (statement->type != SBD_STATEMENT::ST_REFERENCE) return true;
-  return sbd_guarded(k_source_file_parser, false, [this, statement] {
-    bool is_good = true;
-    for (SBD_PARA_REF* reference = statement->reference; reference != nullptr;
-         reference = reference->next) {
-      if (find_target(*reference, *statement)) continue;
-      const char* const name = reference->name != nullptr ? reference->name : "";
-      if (m_store != nullptr) m_store->set_fault(reference->m_position, std::strlen(name));
-      post_message(MSG_SBD::E::SBD_REFERENCE_ERROR(message_file_name(), name,
-                                                   static_cast<int>(statement->name->line)));
-      is_good = false;
-    }
-    return is_good;
-  });
+  bool is_good = true;
+  for (SBD_PARA_REF* reference = statement->reference; reference != nullptr;
+       reference = reference->next) {
+    if (find_target(*reference, *statement)) continue;
+    const char* const name = reference->name != nullptr ? reference->name : "";
+    if (m_store != nullptr) m_store->set_fault(reference->m_position, std::strlen(name));
+    post_message(sbd_make_message<MSG_E>(k_msg_reference_error, message_file_name(), name,
+                                         static_cast<int>(statement->name->line)));
+    is_good = false;
+  }
+  return is_good;
 }
 
 bool SBD_FILE_PARSER::find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const {
   SBD_NODE* const target = find_named(reference.name, statement.name->parent);
   if (target == nullptr) return false;
-  if (reference.target != target && m_store != nullptr) {
+  if (reference.target != target) {
     m_store->drop_reference(reference.target);
     SBD_STORE::add_reference(target);
   }
@@ -168,14 +177,14 @@ bool SBD_FILE_PARSER::find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& 
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_named(const char* name,
                                                        const SBD_NODE* enclosing) const {
-  if (name == nullptr || name[0] != '.') return get_ref_object(name, nullptr);
+  if (name == nullptr || name[0] != '.') return SBD_LOOKUP::find(*this, name, nullptr);
   SBD_STRING full_name;
   // In a document as it was read the enclosing block is what its full name names, and there is no
   // need to spell the way down to it.
   if (m_store != nullptr && !m_store->has_foreign) {
-    return name[1] == '\0' ? nullptr : get_ref_object(name + 1, enclosing);
+    return name[1] == '\0' ? nullptr : SBD_LOOKUP::find(*this, name + 1, enclosing);
   }
-  if (!get_ref_name(enclosing, full_name)) return nullptr;
+  if (!SBD_LOOKUP::make_full_name(enclosing, full_name)) return nullptr;
   full_name += name;
-  return get_ref_object(full_name.c_str(), nullptr);
+  return SBD_LOOKUP::find(*this, full_name.c_str(), nullptr);
 }

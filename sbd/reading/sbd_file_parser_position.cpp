@@ -28,10 +28,9 @@ constexpr std::array<bool, 256> make_item_ends() {
 }
 constexpr std::array<bool, 256> k_item_ends = make_item_ends();
 
-// Behind the name, number or string that begins at `at`. The text was parsed without fault, so
+// Behind the name or number that begins at `at`. The text was parsed without fault, so
 // what may follow need not be looked for.
 std::size_t skip_item(std::string_view text, std::size_t at) {
-  if (text[at] == '"') return skip_string(text, at);
   for (;;) {
     while (at < text.size() && !k_item_ends[static_cast<unsigned char>(text[at])]) ++at;
     const bool is_index = text.size() - at > 2 && text[at] == '[' && text[at + 2] == ']' &&
@@ -75,8 +74,8 @@ bool SBD_FILE_PARSER::get_range(const SBD_NODE* node, SBD_SOURCE_RANGE& range) c
   const std::size_t begin = node->m_position - std::size_t{1};
   switch (node->type) {
     case SBD_NODE::NT_BLOCK:
-      return node->block != nullptr && node->block->m_end_position != 0 &&
-             make_range(node->m_position, node->block->m_end_position, range);
+      if (node->block == nullptr || node->block->m_end_position == 0) return false;
+      return make_range(node->m_position, node->block->m_end_position, range);
     case SBD_NODE::NT_STATEMENT:
       return make_range(node->m_position, skip_statement(text, begin), range);
     case SBD_NODE::NT_COMMENT:

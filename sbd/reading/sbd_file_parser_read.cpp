@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_file_parser.h"
 #include "sbd/sbd_parser.h"
@@ -114,13 +114,13 @@ bool SBD_FILE_PARSER::read_text(const char* text, std::size_t length, const char
 
 void SBD_FILE_PARSER::refuse_file(const char* name) {
   if (m_store != nullptr) m_store->has_fault_range = false;
-  post_message(MSG_SBD::E::SBD_FILE_ERROR(name));
+  post_message(sbd_make_message<MSG_E>(k_msg_file_error, name));
 }
 
 bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* name) {
   SOURCE_BUFFER owned_buffer(buffer);
   if (m_store == nullptr) return false;
-  char* const name_copy = sbd_copy_text(name);
+  char* const name_copy = sbd_duplicate_text(name);
   clear();
   sbd_free_text(m_file_name);
   m_file_name = name_copy;

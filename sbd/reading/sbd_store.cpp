@@ -10,7 +10,12 @@ using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
 using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 using SBD_VALUE_LIST = SBD_FILE_PARSER::SBD_VALUE_LIST;
 
-char* sbd_copy_text(const char* text) {
+char* sbd_copy_text(const char* text) noexcept {
+  return sbd_guarded(k_source_file_parser, static_cast<char*>(nullptr),
+                     [text] { return sbd_duplicate_text(text); });
+}
+
+char* sbd_duplicate_text(const char* text) {
   if (text == nullptr) return nullptr;
   const std::size_t size = std::strlen(text) + 1;
   char* const copy = SBD_ALLOCATOR<char>().allocate(size);
@@ -31,18 +36,27 @@ SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t c
   return list;
 }
 
-void SBD_VALUE_LIST::push_back(SBD_PARA_VALUE* value) {
-  if (m_size >= m_capacity) {
+bool SBD_VALUE_LIST::push_back(SBD_PARA_VALUE* value) noexcept {
+  return sbd_guarded(k_source_file_parser, false, [this, value] {
+    SBD_STORE::append(*this, value);
+    return true;
+  });
+}
+
+void SBD_STORE::append(SBD_VALUE_LIST& list, SBD_PARA_VALUE* value) {
+  if (list.m_size >= list.m_capacity) {
     // A list of the reader's leaves its items in the document's memory when it grows.
-    const std::uint32_t capacity = std::max<std::uint32_t>(4, m_size * 2);
+    const std::uint32_t capacity = std::max<std::uint32_t>(4, list.m_size * 2);
     auto** const items = SBD_ALLOCATOR<SBD_PARA_VALUE*>().allocate(capacity);
-    std::copy_n(m_items, m_size, items);
-    if (m_capacity != 0) SBD_ALLOCATOR<SBD_PARA_VALUE*>().deallocate(m_items, m_capacity);
-    m_items = items;
-    m_capacity = capacity;
+    std::copy_n(list.m_items, list.m_size, items);
+    if (list.m_capacity != 0) {
+      SBD_ALLOCATOR<SBD_PARA_VALUE*>().deallocate(list.m_items, list.m_capacity);
+    }
+    list.m_items = items;
+    list.m_capacity = capacity;
   }
-  m_items[m_size++] = value;
-  if (m_grown != nullptr) *m_grown = true;
+  list.m_items[list.m_size++] = value;
+  if (list.m_grown != nullptr) *list.m_grown = true;
 }
 
 void SBD_STORE::free_value(SBD_PARA_VALUE* value) const noexcept {

@@ -17,6 +17,9 @@
 #include "sbd/reading/sbd_source.h"
 #include "sbd/sbd_file_parser.h"
 
+// As sbd_copy_text, but throws what the host's memory manager throws.
+char* sbd_duplicate_text(const char* text);
+
 // What the parser noticed while it built the tree. The checks that post messages run only when
 // there is something to say.
 struct SBD_PARSE_FACTS {
@@ -73,6 +76,8 @@ class SBD_STORE {
     copy[text.size()] = '\0';
     return copy;
   }
+  // As SBD_VALUE_LIST::push_back, but throws what the host's memory manager throws.
+  static void append(SBD_VALUE_LIST& list, SBD_PARA_VALUE* value);
   // A list of the values, in the pool.
   SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count);
 
@@ -142,6 +147,8 @@ class SBD_STORE {
   SBD_NODE* last_root = nullptr;         // Last top-level node, as far as known.
   bool has_foreign = false;  // Something in the tree or the table lies outside the pool.
   bool has_reference_counts = true;
+
+  bool is_parsing = false;  // What the host throws ends where the parser was called.
 
   bool has_fault_range = false;  // Where the message posted last belongs.
   SBD_FILE_PARSER::SBD_SOURCE_RANGE fault_range;

@@ -17,7 +17,7 @@
 
 #include "sbd/access/sbd_refusal.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/msg_sbd.h"
+#include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/sbd_source_document.h"
 #include "sbd/source/sbd_source_verify.h"
 
@@ -202,7 +202,8 @@ class NEW_FILE {
     int result = 0;
     while ((result = ::fsync(m_file.number())) != 0 && errno == EINTR) {
     }
-    return result == 0 || fail(why, "The new file can't be brought to the disc", errno);
+    if (result == 0) return true;
+    return fail(why, "The new file can't be brought to the disc", errno);
   }
 
   // Whether the file holds `content` and nothing else.
@@ -222,7 +223,8 @@ class NEW_FILE {
       }
       content.remove_prefix(size);
     }
-    return content.empty() || fail(why, "The new file does not hold what was written to it.");
+    if (content.empty()) return true;
+    return fail(why, "The new file does not hold what was written to it.");
   }
 
   bool rename_to(const SBD_STRING& path, SBD_STRING& why) {
@@ -242,7 +244,8 @@ class NEW_FILE {
 // Whether what is at the path may be replaced; `old` is filled in when something is there.
 bool check_old_file(const SBD_STRING& path, struct stat& old, bool& is_there, SBD_STRING& why) {
   is_there = ::stat(path.c_str(), &old) == 0;
-  if (!is_there) return errno == ENOENT || fail(why, "The file can't be reached", errno);
+  if (!is_there && errno == ENOENT) return true;
+  if (!is_there) return fail(why, "The file can't be reached", errno);
   if (S_ISDIR(old.st_mode)) return fail(why, "The file can't be written", EISDIR);
   if (!S_ISREG(old.st_mode)) return fail(why, "It is not a regular file.");
   if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return true;
@@ -303,9 +306,9 @@ bool sbd_write_to_text(const SBD_FILE_PARSER& document, SBD_STRING& text, SBD_ST
   return true;
 }
 
-bool sbd_refuse_save(const char* path, const SBD_STRING& why) {
-  SBD_FILE_PARSER::post_message(MSG_SBD::E::SBD_FILE_ERROR(path));
-  return sbd_refuse({"Cannot save file: '", path, "'. ", why.c_str()});
+void sbd_refuse_save(const char* path, const SBD_STRING& why) {
+  SBD_FILE_PARSER::post_message(sbd_make_message<MSG_E>(k_msg_file_error, path));
+  sbd_refuse({"Cannot save file: '", path, "'. ", why.c_str()});
 }
 
 bool sbd_save_document(const SBD_FILE_PARSER& document, const char* path, SBD_STRING& why) {
@@ -315,6 +318,7 @@ bool sbd_save_document(const SBD_FILE_PARSER& document, const char* path, SBD_ST
     const bool is_good = sbd_check_expressible(document, SBD_LAYOUT::CANONICAL, why) &&
                          sbd_write_to_text(document, text, why) &&
                          sbd_compare_text(document, text, why) && sbd_replace_file(path, text, why);
-    return is_good || sbd_refuse_save(path, why);
+    if (!is_good) sbd_refuse_save(path, why);
+    return is_good;
   });
 }

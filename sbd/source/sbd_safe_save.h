@@ -15,7 +15,7 @@ bool sbd_replace_file(const char* path, std::string_view content, SBD_STRING& wh
 // The document in the library's own layout.
 bool sbd_write_to_text(const SBD_FILE_PARSER& document, SBD_STRING& text, SBD_STRING& why);
 
-// Posts that the file can't be written, and why; returns false.
-bool sbd_refuse_save(const char* path, const SBD_STRING& why);
+// Posts that the file can't be written, and why.
+void sbd_refuse_save(const char* path, const SBD_STRING& why);
 
 #endif

@@ -2,6 +2,8 @@
 #include <cstring>
 
 #include "sbd/access/sbd_refusal.h"
+#include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/source/sbd_source_verify.h"
 
@@ -63,9 +65,6 @@ bool is_same_attributes(const SBD_PARA_ATTR* one, const SBD_PARA_ATTR* other) {
 // Compares a tree with the one that its text was read into.
 class TREE_COMPARISON {
  public:
-  TREE_COMPARISON(const SBD_FILE_PARSER& document, const SBD_FILE_PARSER& reread)
-      : m_document(document), m_reread(reread) {}
-
   // Members and next siblings are compared as far as there are any.
   bool is_same_node(const SBD_NODE& one, const SBD_NODE& other) {
     if (one.type != other.type) return false;
@@ -96,23 +95,21 @@ class TREE_COMPARISON {
   bool is_same_references(const SBD_PARA_REF* one, const SBD_PARA_REF* other) {
     for (; one != nullptr && other != nullptr; one = one->next, other = other->next) {
       if (!is_same_text(one->name, other->name)) return false;
-      if (!m_document.get_ref_name(one->target, m_name)) return false;
-      if (!m_reread.get_ref_name(other->target, m_other_name)) return false;
+      if (!SBD_LOOKUP::make_full_name(one->target, m_name)) return false;
+      if (!SBD_LOOKUP::make_full_name(other->target, m_other_name)) return false;
       if (m_name != m_other_name) return false;
     }
     return one == other;
   }
 
-  const SBD_FILE_PARSER& m_document;
-  const SBD_FILE_PARSER& m_reread;
   SBD_STRING m_name;
   SBD_STRING m_other_name;
 };
 
-bool refuse_node(const SBD_FILE_PARSER& document, const SBD_NODE* node, SBD_STRING& why) {
+bool refuse_node(const SBD_NODE* node, SBD_STRING& why) {
   SBD_STRING name;
   why = "The text does not read back as it was meant";
-  if (node != nullptr && document.get_ref_name(node, name)) {
+  if (node != nullptr && SBD_LOOKUP::make_full_name(node, name)) {
     why += sbd_join_texts({", at '", name.c_str(), "'"});
   }
   why += '.';
@@ -123,12 +120,13 @@ bool refuse_node(const SBD_FILE_PARSER& document, const SBD_NODE* node, SBD_STRI
 
 bool sbd_compare_text(const SBD_FILE_PARSER& document, std::string_view text, SBD_STRING& why) {
   SBD_FILE_PARSER reread;
+  if (reread.get_parser_para().symbol_table == nullptr) throw SBD_REPORTED();
   const char* const name = document.get_file_name() != nullptr ? document.get_file_name() : "";
   if (!reread.read_text(text.empty() ? "" : text.data(), text.size(), name)) {
     why = "The text can't be read back.";
     return false;
   }
-  TREE_COMPARISON comparison(document, reread);
+  TREE_COMPARISON comparison;
   SBD_TREE_WALK walk(document.get_parser_para().root);
   SBD_TREE_WALK other_walk(reread.get_parser_para().root);
   for (;;) {
@@ -136,7 +134,7 @@ bool sbd_compare_text(const SBD_FILE_PARSER& document, std::string_view text, SB
     const SBD_NODE* const other = other_walk.next();
     if (node == nullptr && other == nullptr) return true;
     if (node == nullptr || other == nullptr || !comparison.is_same_node(*node, *other)) {
-      return refuse_node(document, node, why);
+      return refuse_node(node, why);
     }
   }
 }

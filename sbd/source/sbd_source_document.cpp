@@ -310,7 +310,8 @@ bool SBD_SOURCE_DOCUMENT::verify(SBD_STRING& why) const {
   if (m_state == nullptr) return false;
   return sbd_guarded(k_source, false, [this, &why] {
     const std::string_view text = m_state->current_text();
-    return !m_state->is_torn && sbd_verify_text(m_state->document, text, SBD_LAYOUT::AS_TYPED, why);
+    if (m_state->is_torn) throw SBD_REPORTED();
+    return sbd_verify_text(m_state->document, text, SBD_LAYOUT::AS_TYPED, why);
   });
 }
 
@@ -319,9 +320,13 @@ bool SBD_SOURCE_DOCUMENT::save(const char* path) const {
   return sbd_guarded(k_source, false, [this, path] {
     const char* const target = path != nullptr ? path : document().get_file_name();
     if (!SBD_CHECK(target != nullptr, "path != NULL", k_source)) return false;
+    const std::string_view text = m_state->current_text();
+    if (m_state->is_torn) throw SBD_REPORTED();
     SBD_STRING why;
-    if (!verify(why)) return sbd_refuse_save(target, why);
-    return sbd_replace_file(target, text(), why) || sbd_refuse_save(target, why);
+    const bool is_good = sbd_verify_text(m_state->document, text, SBD_LAYOUT::AS_TYPED, why) &&
+                         sbd_replace_file(target, text, why);
+    if (!is_good) sbd_refuse_save(target, why);
+    return is_good;
   });
 }
 

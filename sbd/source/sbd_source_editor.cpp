@@ -3,10 +3,11 @@
 #include "sbd/source/sbd_source_editor.h"
 
 #include <algorithm>
-#include <new>
 
 #include "sbd/access/sbd_refusal.h"
+#include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 
@@ -35,9 +36,9 @@ bool refuse_sibling(const EDIT& edit) {
       {head.c_str(), "' within the parenet block: '", edit.scope.c_str(), "'. ", reason.c_str()});
 }
 
-// What a check has said yes to did not happen: the host has no memory for it.
+// What a check has said yes to did not happen: the host has no memory for it, and knows.
 void require(bool is_done) {
-  if (!is_done) throw std::bad_alloc();
+  if (!is_done) throw SBD_REPORTED();
 }
 
 const char* text_or_null(const SBD_STRING& text) {
@@ -114,7 +115,7 @@ SBD_NODE* SBD_SOURCE_EDITOR::find_sibling(const EDIT& edit, const SBD_NODE* bloc
   if (edit.place == PLACE::AT_END || edit.sibling.empty()) return nullptr;
   if (sbd_equal_ignoring_case(edit.sibling.c_str(), edit.name)) return nullptr;
   if (edit.sibling.find('.') != SBD_STRING::npos) return nullptr;
-  return m_document.get_ref_object(edit.sibling.c_str(), block);
+  return SBD_LOOKUP::find(m_document, edit.sibling.c_str(), block);
 }
 
 // Everything new is made at the end of its scope.
@@ -210,27 +211,30 @@ bool SBD_SOURCE_EDITOR::set_attributes(const EDIT& edit) {
   }
   const SBD_PARA_ATTR* const first = chain.empty() ? nullptr : chain.data();
   if (!m_document.set_attribute(edit.scope.c_str(), edit.name.c_str(), first)) return false;
-  const SBD_NODE* const node = m_document.get_ref_object(edit.full_name().c_str(), nullptr);
+  const SBD_NODE* const node = SBD_LOOKUP::find(m_document, edit.full_name().c_str(), nullptr);
   text_of(node).put_attributes(attributes_text(edit.attributes));
   return true;
 }
 
 bool SBD_SOURCE_EDITOR::remove_attributes(const EDIT& edit) {
   m_document.delete_attribute(edit.scope.c_str(), edit.name.c_str());
-  const auto* const statement = m_document.get_statement(edit.scope.c_str(), edit.name.c_str());
-  if (statement == nullptr || statement->type == SBD_STATEMENT::ST_REFERENCE) return false;
+  const SBD_NODE* const node =
+      SBD_LOOKUP::find_member(m_document, edit.scope.c_str(), edit.name.c_str());
+  if (node == nullptr || node->type != SBD_NODE::NT_STATEMENT) return false;
+  const SBD_STATEMENT* const statement = node->statement;
+  if (statement->type == SBD_STATEMENT::ST_REFERENCE) return false;
   require(statement->attributes == nullptr);
-  text_of(statement->name->node).put_attributes({});
+  text_of(node).put_attributes({});
   return true;
 }
 
 bool SBD_SOURCE_EDITOR::remove_parameter(const EDIT& edit) {
   const SBD_STRING full_name = edit.full_name();
-  SBD_NODE* const node = m_document.get_ref_object(full_name.c_str(), nullptr);
+  SBD_NODE* const node = SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr);
   if (node == nullptr) return false;
   const REMOVAL removal = plan_removal(node);
   m_document.delete_parameter(edit.scope.c_str(), edit.name.c_str());
-  if (m_document.get_ref_object(full_name.c_str(), nullptr) == node) return false;
+  if (SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr) == node) return false;
   remove(removal);
   return true;
 }
@@ -239,7 +243,7 @@ bool SBD_SOURCE_EDITOR::remove_parameter(const EDIT& edit) {
 
 bool SBD_SOURCE_EDITOR::add_block(const EDIT& edit) {
   const char* const scope = text_or_null(edit.scope);
-  SBD_NODE* const block = scope != nullptr ? m_document.get_ref_object(scope, nullptr) : nullptr;
+  SBD_NODE* const block = scope != nullptr ? SBD_LOOKUP::find(m_document, scope, nullptr) : nullptr;
   const bool has_scope =
       scope == nullptr || (block != nullptr && block->type == SBD_NODE::NT_BLOCK);
   if (!has_scope) return m_document.create_block(edit.text.c_str(), edit.name.c_str(), scope);
@@ -255,11 +259,11 @@ bool SBD_SOURCE_EDITOR::add_block(const EDIT& edit) {
 
 bool SBD_SOURCE_EDITOR::remove_block(const EDIT& edit) {
   const SBD_STRING full_name = edit.full_name();
-  SBD_NODE* const node = m_document.get_ref_object(full_name.c_str(), nullptr);
+  SBD_NODE* const node = SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr);
   if (node == nullptr) return false;
   const REMOVAL removal = plan_removal(node);
   m_document.delete_block(full_name.c_str());
-  if (m_document.get_ref_object(full_name.c_str(), nullptr) == node) return false;
+  if (SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr) == node) return false;
   remove(removal);
   return true;
 }
@@ -268,12 +272,13 @@ bool SBD_SOURCE_EDITOR::remove_block(const EDIT& edit) {
 
 bool SBD_SOURCE_EDITOR::remove_references(const EDIT& edit) {
   const SBD_STRING full_name = edit.full_name();
-  SBD_NODE* const target = m_document.get_ref_object(full_name.c_str(), nullptr);
+  SBD_NODE* const target = SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr);
   if (target == nullptr) return false;
-  if (!m_document.is_referenced(full_name.c_str())) return true;
+  const SBD_NODE* const root = m_document.get_parser_para().root;
+  if (!SBD_LOOKUP::is_referenced(m_document, target, root)) return true;
   const SBD_VECTOR<DROPPED_REFERENCES> all_dropped = find_all_dropped(target);
   m_document.delete_reference(full_name.c_str());
-  if (m_document.is_referenced(full_name.c_str())) require(find_all_dropped(target).empty());
+  require(!SBD_LOOKUP::is_referenced(m_document, target, m_document.get_parser_para().root));
   for (const DROPPED_REFERENCES& dropped : all_dropped) {
     if (dropped.is_all) {
       remove(dropped.removal);
@@ -321,7 +326,7 @@ bool SBD_SOURCE_EDITOR::find_dropped(const SBD_NODE* node, const SBD_NODE* targe
 
 bool SBD_SOURCE_EDITOR::rename(const EDIT& edit) {
   const SBD_STRING full_name = edit.full_name();
-  SBD_NODE* const node = m_document.get_ref_object(full_name.c_str(), nullptr);
+  SBD_NODE* const node = SBD_LOOKUP::find(m_document, full_name.c_str(), nullptr);
   if (node == nullptr || edit.text.empty()) return false;
   SBD_VECTOR<RENAMED_REFERENCE> references;
   if (edit.with_references) references = find_renamed(node, full_name, edit.text);
@@ -388,7 +393,7 @@ SBD_VECTOR<SBD_SOURCE_EDITOR::RENAMED_REFERENCE> SBD_SOURCE_EDITOR::find_renamed
 void SBD_SOURCE_EDITOR::put_reference(const RENAMED_REFERENCE& renamed) {
   text_of(renamed.node).put_reference(renamed.index, renamed.name);
   SBD_STORE& store = *m_document.get_parser_para().symbol_table->store();
-  char* const name = sbd_copy_text(renamed.name.c_str());
+  char* const name = sbd_duplicate_text(renamed.name.c_str());
   store.free_text(renamed.reference->name);
   renamed.reference->name = name;
   renamed.reference->m_position = 0;

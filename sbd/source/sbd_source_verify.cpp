@@ -7,6 +7,7 @@
 
 #include "sbd/access/sbd_refusal.h"
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_numbers.h"
 #include "sbd/reading/sbd_tree.h"
@@ -89,7 +90,7 @@ class EXPRESSIBLE_CHECK {
     const SBD_SYMBOL* const symbol = sbd_symbol_of(&node);
     if (symbol == nullptr || symbol->name == nullptr) return refuse({"Something has no name."});
     if (const char* const fault = name_fault(symbol->name)) return refuse({fault});
-    if (m_document.get_ref_object(symbol->name, block) != &node) {
+    if (SBD_LOOKUP::find(m_document, symbol->name, block) != &node) {
       return refuse({"The name is declared twice."});
     }
     return node.type == SBD_NODE::NT_BLOCK ? check_block(*node.block, block)
@@ -101,7 +102,8 @@ class EXPRESSIBLE_CHECK {
   bool refuse(std::initializer_list<const char*> reason) {
     SBD_STRING name;
     m_why.clear();
-    if (m_document.get_ref_name(m_node, name)) m_why = sbd_join_texts({"'", name.c_str(), "': "});
+    if (SBD_LOOKUP::make_full_name(m_node, name))
+      m_why = sbd_join_texts({"'", name.c_str(), "': "});
     m_why += sbd_join_texts(reason);
     return false;
   }
@@ -125,7 +127,8 @@ class EXPRESSIBLE_CHECK {
       return refuse({"A block of type '", block.type, "' can't stand ",
                      outer == nullptr ? "at top level." : "inside a block."});
     }
-    return block.members != nullptr || refuse({"A block must have members."});
+    if (block.members == nullptr) return refuse({"A block must have members."});
+    return true;
   }
 
   bool check_statement(const SBD_STATEMENT& statement, const SBD_NODE* block) {
@@ -177,13 +180,13 @@ class EXPRESSIBLE_CHECK {
     }
     const SBD_NODE* target = nullptr;
     if (name[0] != '.') {
-      target = m_document.get_ref_object(name, nullptr);
+      target = SBD_LOOKUP::find(m_document, name, nullptr);
     } else if (name[1] != '\0') {
-      target = m_document.get_ref_object(name + 1, block);
+      target = SBD_LOOKUP::find(m_document, name + 1, block);
     }
     if (target == nullptr) return refuse({"The reference '", name, "' names nothing."});
-    return target == reference.target ||
-           refuse({"The reference '", name, "' names another object than it means."});
+    if (target == reference.target) return true;
+    return refuse({"The reference '", name, "' names another object than it means."});
   }
 
   // Lists nest without limit, and so the values that are left stand on a stack.
@@ -219,16 +222,17 @@ class EXPRESSIBLE_CHECK {
       case SBD_PARA_VALUE::VT_OCTAL:
       case SBD_PARA_VALUE::VT_HEXAL:
       case SBD_PARA_VALUE::VT_BINARY:
-        return value.number == static_cast<double>(sbd_low_bits(value.number)) ||
-               refuse({"An integer must be a whole number of 32 bits."});
+        if (value.number == static_cast<double>(sbd_low_bits(value.number))) return true;
+        return refuse({"An integer must be a whole number of 32 bits."});
       case SBD_PARA_VALUE::VT_FLOAT:
         return !m_is_canonical || check_float(value.number);
       case SBD_PARA_VALUE::VT_BOOL:
-        return value.flag <= 1 || refuse({"A Boolean must be 1 or 0."});
+        if (value.flag <= 1) return true;
+        return refuse({"A Boolean must be 1 or 0."});
       case SBD_PARA_VALUE::VT_STRING: {
         const char* const text = value.text != nullptr ? value.text : "";
-        return is_identifier(text) || is_quoted_text(text) ||
-               refuse({"The text '", text, "' is neither an identifier nor in quotes."});
+        if (is_identifier(text) || is_quoted_text(text)) return true;
+        return refuse({"The text '", text, "' is neither an identifier nor in quotes."});
       }
       default:
         return refuse({"The value's kind is unknown."});

@@ -9,7 +9,6 @@
 namespace {
 
 using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
-using SBD_STATEMENT = SBD_FILE_PARSER::SBD_STATEMENT;
 
 constexpr std::string_view k_before = "device d{v=";
 constexpr std::string_view k_behind = ";}";
@@ -18,16 +17,12 @@ bool is_space(char c) {
   return sbd_is(c, CC_BLANK) || c == '\n';
 }
 
-// The assignment of a document that is one block with this one member; null for any other.
-const SBD_STATEMENT* only_assignment(const SBD_NODE* root) {
-  if (root == nullptr || root->next != nullptr || root->type != SBD_NODE::NT_BLOCK) return nullptr;
+// The value of the assignment that the document begins with; null when there is more than that: a
+// second member or block, or attributes. (A comment would hide what stands behind.)
+const SBD_FILE_PARSER::SBD_PARA_VALUE* only_value(const SBD_NODE* root) {
   const SBD_NODE* const member = root->block->members;
-  if (member == nullptr || member->next != nullptr) return nullptr;
-  if (member->type != SBD_NODE::NT_STATEMENT) return nullptr;
-  const SBD_STATEMENT* const statement = member->statement;
-  const bool is_plain = statement->type == SBD_STATEMENT::ST_ASSIGNMENT &&
-                        statement->attributes == nullptr && statement->comment == nullptr;
-  return is_plain ? statement : nullptr;
+  if (root->next != nullptr || member->next != nullptr) return nullptr;
+  return member->statement->attributes == nullptr ? member->statement->value : nullptr;
 }
 
 }  // namespace
@@ -53,6 +48,5 @@ const SBD_FILE_PARSER::SBD_PARA_VALUE* SBD_VALUE_READER::read(std::string_view t
   SBD_STORE& store = *para.symbol_table->store();
   store.source.adopt(buffer, length);
   if (!sbd_parse_faultless(store.source.text(), store, para)) return nullptr;
-  const SBD_STATEMENT* const statement = only_assignment(para.root);
-  return statement != nullptr ? statement->value : nullptr;
+  return only_value(para.root);
 }

@@ -184,6 +184,13 @@ TEST_F(HOST_MESSAGES, NullTemplateIsEmpty) {
   EXPECT_EQ(fill_and_post(nullptr, 5).text_template, "");
 }
 
+// Which no character set of the "C" locale can show.
+TEST_F(HOST_MESSAGES, FormatsThatCantBeRenderedStandForThemselves) {
+  MSG_D message(nullptr);
+  fill_debug(message, "a %ls b", L"\x1F600");
+  EXPECT_EQ(post(message).text, "a %ls b");
+}
+
 TEST_F(HOST_MESSAGES, LongTextsAreComplete) {
   const std::string name(10000, 'n');
   EXPECT_EQ(rendered("<%1!s!%1!s!>/K", name.c_str()), "<" + name + name + ">|K");

@@ -1,7 +1,9 @@
 #include "tests/io_faults/io_faults.h"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -157,6 +159,28 @@ int fsync(int file) {
 
 int fchmod(int file, mode_t mode) noexcept {
   return is_due(IO_CALL::FCHMOD) ? fail() : REAL(fchmod)(file, mode);
+}
+
+int fchown(int file, uid_t owner, gid_t group) noexcept {
+  return is_due(IO_CALL::FCHOWN) ? fail() : REAL(fchown)(file, owner, group);
+}
+
+int fstat(int file, struct stat* status) noexcept {
+  return is_due(IO_CALL::FSTAT) ? fail() : REAL(fstat)(file, status);
+}
+
+off_t lseek(int file, off_t offset, int from) noexcept {
+  return is_due(IO_CALL::LSEEK) ? fail() : REAL(lseek)(file, offset, from);
+}
+
+std::FILE* open_memstream(char** text, std::size_t* length) noexcept {
+  if (!is_due(IO_CALL::OPEN_MEMSTREAM)) return REAL(open_memstream)(text, length);
+  (void)fail();
+  return nullptr;
+}
+
+int fflush(std::FILE* file) {
+  return is_due(IO_CALL::FFLUSH) ? fail() : REAL(fflush)(file);
 }
 
 // The descriptor is gone even when it fails.

@@ -5,7 +5,21 @@
 #include <cstddef>
 #include <functional>
 
-enum class IO_CALL { FREAD, OPEN, READ, WRITE, FSYNC, FCHMOD, CLOSE, RENAME };
+enum class IO_CALL {
+  FREAD,
+  OPEN,
+  READ,
+  WRITE,
+  FSYNC,
+  FCHMOD,
+  FCHOWN,
+  FSTAT,
+  LSEEK,
+  CLOSE,
+  RENAME,
+  OPEN_MEMSTREAM,
+  FFLUSH
+};
 
 // A fault of one kind of call while it exists. Only one may exist at a time.
 class IO_FAULT {

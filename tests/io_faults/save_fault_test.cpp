@@ -2,6 +2,7 @@
 // new one is.
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -104,6 +105,8 @@ const FAILURE k_failures[] = {
      "The new file can't be brought to the disc: input/output error."},
     {"SyncNoSpace", IO_CALL::FSYNC, ENOSPC,
      "The new file can't be brought to the disc: no space left on the device."},
+    {"NewFileGone", IO_CALL::FSTAT, EIO, "The new file is gone: input/output error."},
+    {"SeekError", IO_CALL::LSEEK, EIO, "The new file can't be read back: input/output error."},
     {"ReadBackError", IO_CALL::READ, EIO, "The new file can't be read back: input/output error."},
     {"CloseError", IO_CALL::CLOSE, EIO, "The new file can't be written: input/output error."},
     {"RenameError", IO_CALL::RENAME, EIO,
@@ -160,6 +163,52 @@ TEST_F(SAVE, NoticesThatTheDiscHoldsSomethingElse) {
   EXPECT_EQ(count_files(m_folder.path()), 1U);
 }
 
+TEST_F(SAVE, NoticesThatTheDiscHoldsMoreOrLess) {
+  for (const std::uintmax_t size : {std::uintmax_t{3}, std::uintmax_t{1000}}) {
+    const auto resize = [this, size] {
+      for (const auto& file : std::filesystem::directory_iterator(m_folder.path())) {
+        if (file.path() != m_path) std::filesystem::resize_file(file.path(), size);
+      }
+    };
+    const IO_FAULT fault = IO_FAULT::runs_before(IO_CALL::READ, resize);
+    expect_refused("The new file does not hold what was written to it.");
+    EXPECT_TRUE(fault.was_hit());
+  }
+  EXPECT_EQ(content_of(m_path), k_text);
+  EXPECT_EQ(count_files(m_folder.path()), 1U);
+}
+
+// Then the group is kept at least.
+TEST_F(SAVE, TakesAnOwnerThatCantBeKept) {
+  constexpr uid_t k_other = 65534;
+  if (chown(m_path.c_str(), k_other, k_other) != 0) GTEST_SKIP() << "only for root";
+  const IO_FAULT fault = IO_FAULT::fails(IO_CALL::FCHOWN, EPERM);
+  expect_saved({});
+  EXPECT_TRUE(fault.was_hit());
+  struct stat status {};
+  ASSERT_EQ(stat(m_path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, geteuid());
+  EXPECT_EQ(status.st_gid, k_other);
+}
+
+// The library's own layout is put together in memory first.
+TEST_F(SAVE, CanonicalTextThatCantBePutTogetherIsRefused) {
+  const struct {
+    IO_CALL call;
+    const char* reason;
+  } rows[] = {
+      {IO_CALL::OPEN_MEMSTREAM, "The document can't be written: input/output error."},
+      {IO_CALL::FFLUSH, "There is no memory for the document's text."},
+  };
+  for (const auto& row : rows) {
+    m_recorder.forget();
+    const IO_FAULT fault = IO_FAULT::fails(row.call, EIO);
+    EXPECT_FALSE(m_source.save_canonical(m_path.c_str()));
+    EXPECT_EQ(m_recorder.texts(), refusal(row.reason));
+  }
+  EXPECT_EQ(content_of(m_path), k_text);
+}
+
 // The file is there already; only a loss of power could take it back.
 TEST_F(SAVE, WarnsWhenTheFolderCantBeBroughtToTheDisc) {
   const IO_FAULT fault = IO_FAULT::fails(IO_CALL::FSYNC, EIO, 2);
@@ -169,8 +218,18 @@ TEST_F(SAVE, WarnsWhenTheFolderCantBeBroughtToTheDisc) {
 }
 
 TEST_F(SAVE, ThinksNothingOfFoldersThatCantBeSynced) {
-  const IO_FAULT fault = IO_FAULT::fails(IO_CALL::FSYNC, EINVAL, 2);
-  expect_saved({});
+  for (const int error : {EINVAL, EACCES}) {
+    prepare(m_folder.path());
+    const IO_FAULT fault = IO_FAULT::fails(IO_CALL::FSYNC, error, 2);
+    expect_saved({});
+    EXPECT_TRUE(fault.was_hit());
+  }
+}
+
+TEST_F(SAVE, WarnsWhenTheFolderCantBeOpened) {
+  const IO_FAULT fault = IO_FAULT::fails(IO_CALL::OPEN, EIO, 2);
+  expect_saved({"System Build Descriptor File warning: File saved: '" + m_path +
+                "'. The folder can't be brought to the disc: input/output error."});
   EXPECT_TRUE(fault.was_hit());
 }
 

@@ -75,6 +75,17 @@ TEST_F(BUILDER, BlockEntersItsName) {
   m_document.add_node(node, nullptr);
 }
 
+TEST_F(BUILDER, EmptyNumbersAreZero) {
+  for (const int code :
+       {SBD_TOK_UDECIMAL, SBD_TOK_OCTAL, SBD_TOK_HEXAL, SBD_TOK_BINARY, SBD_TOK_FLOAT}) {
+    const SBD_TOKEN_INFO token = token_of("");
+    SBD_PARA_VALUE* const value = sbd_do_para_value(code, &token);
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->number, 0) << code;
+    m_document.free_para_val(value);
+  }
+}
+
 TEST_F(BUILDER, BlockIsExtendedAsAnyOther) {
   const SBD_TOKEN_INFO type = token_of("device");
   const SBD_TOKEN_INFO name = token_of("d");

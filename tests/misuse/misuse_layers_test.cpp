@@ -74,6 +74,75 @@ TEST(MISUSED_BUILDERS, OfNullsReportAndGoOn) {
   EXPECT_TRUE(recorder.messages().empty());
 }
 
+TEST(MISUSED_BUILDERS, SymbolsNeedAName) {
+  MESSAGE_RECORDER recorder;
+  SBD_FILE_PARSER document;
+  auto* const table = document.get_parser_para().symbol_table;
+  EXPECT_EQ(sbd_create_symbol(SBD_SYMBOL::SYM_BLOCK, nullptr, nullptr, table), nullptr);
+  EXPECT_EQ(recorder.conditions(), TEXTS{"name != NULL"});
+}
+
+// Without a document, a table just keeps what is entered.
+TEST(MISUSED_BUILDERS, TablesOfNoDocumentKeepSymbols) {
+  MESSAGE_RECORDER recorder;
+  SBD_FILE_PARSER::SBD_SYMBOL_TABLE table(nullptr);
+  SBD_TOKEN_INFO lower;
+  lower.text = "name";
+  SBD_TOKEN_INFO upper;
+  upper.text = "NAME";
+  SBD_SYMBOL* const first = sbd_create_symbol(SBD_SYMBOL::SYM_PARAMETER, nullptr, &lower, &table);
+  SBD_SYMBOL* const second = sbd_create_symbol(SBD_SYMBOL::SYM_PARAMETER, nullptr, &upper, &table);
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(second->next, first);
+  EXPECT_TRUE(recorder.is_silent());
+  free_symbol(first);
+  free_symbol(second);
+}
+
+TEST(MISUSED_PARSER, FilledDocumentsAndUsedScannersAreRefused) {
+  MESSAGE_RECORDER recorder;
+  const auto document = document_of(k_text);
+  const std::string before = outline(*document);
+  sbd_yyFlexLexer scanner(k_text, sizeof k_text - 1);
+  EXPECT_EQ(sbd_yyparse(&scanner, &document->get_parser_para()), 1);
+  EXPECT_EQ(outline(*document), before);
+  SBD_FILE_PARSER empty;
+  (void)scanner.yylex();
+  EXPECT_EQ(sbd_yyparse(&scanner, &empty.get_parser_para()), 1);
+  EXPECT_EQ(root_of(empty), nullptr);
+  EXPECT_EQ(recorder.conditions(), TEXTS(2, "root == NULL && yy_location.length == 0"));
+}
+
+TEST(MISUSED_PARSER, UnknownStartConditionsAreReported) {
+  MESSAGE_RECORDER recorder;
+  sbd_yyFlexLexer scanner("a # c\n", 6);
+  scanner.begin(static_cast<sbd_yyFlexLexer::START_CONDITION>(99));
+  EXPECT_EQ(scanner.yylex(), SBD_TOK_IDENTIFIER);
+  EXPECT_EQ(recorder.conditions(), TEXTS{"fatal flex scanner internal error--no action found"});
+  EXPECT_EQ(scanner.start_condition(), sbd_yyFlexLexer::NORMAL);
+}
+
+// A scanner of a caller's may make tokens that the grammar does not have.
+class ODD_SCANNER : public sbd_yyFlexLexer {
+ public:
+  using sbd_yyFlexLexer::sbd_yyFlexLexer;
+  int yylex() override {
+    const int code = sbd_yyFlexLexer::yylex();
+    return code == '=' ? 9999 : code;
+  }
+};
+
+TEST(MISUSED_PARSER, UnknownTokensAreSyntaxErrors) {
+  MESSAGE_RECORDER recorder;
+  SBD_FILE_PARSER document;
+  constexpr char k_faulty[] = "device d { a = 1; b 2; }";
+  ODD_SCANNER scanner(k_faulty, sizeof k_faulty - 1);
+  (void)sbd_yyparse(&scanner, &document.get_parser_para());
+  EXPECT_EQ(root_of(document), nullptr);
+  ASSERT_FALSE(recorder.messages().empty());
+  EXPECT_EQ(recorder.texts().front(), syntax_error_text("", "=", 1));
+}
+
 // ---- Documents that keep the text --------------------------------------------------------------
 
 // Edits on a document that was never read.
@@ -106,11 +175,49 @@ TEST(MISUSED_SOURCE, NullsChangeNothing) {
     EXPECT_FALSE(source.remove_references(nullptr));
     EXPECT_FALSE(source.rename(nullptr, nullptr, true));
     EXPECT_FALSE(source.rename("d.a", nullptr, false));
+    EXPECT_FALSE(source.add_block("module", "n", "d", {static_cast<SBD_PLACE::KIND>(3), "a"}));
+    EXPECT_FALSE(source.set_references("d.new", {"d.a"}, {static_cast<SBD_PLACE::KIND>(3), "a"}));
+    EXPECT_FALSE(source.remove_references(""));
+    EXPECT_FALSE(source.rename("", "x", true));
+    EXPECT_FALSE(source.rename("d.a", "", true));
+    const SBD_PARA_ATTR no_key;
+    EXPECT_FALSE(source.set_attributes("d.a", &no_key));
+    EXPECT_FALSE(source.remove_attributes("d.r"));
+    EXPECT_FALSE(source.remove_attributes("d"));
+    EXPECT_FALSE(source.add_value("1", "1"));
+    EXPECT_FALSE(source.add_value("x", "1"));
+    EXPECT_FALSE(source.add_block("module", "n", "d.a"));
     EXPECT_FALSE(source.commit());
     EXPECT_FALSE(source.roll_back());
     EXPECT_EQ(source.text(), text);
     EXPECT_EQ(outline(source.document()), is_read ? outline(*document_of(k_text)) : "");
   }
+}
+
+TEST(MISUSED_SOURCE, ValuesAreOneValue) {
+  for (const char* const value : {"1;}device e{w=2", "1;b=2", "1 [k]", "1;# c", "1;# c\n", "", "{",
+                                  "1 2", "d.a", "[k]", ";", "}"}) {
+    SCOPED_TRACE(value);
+    MESSAGE_RECORDER recorder;
+    SBD_SOURCE_DOCUMENT source;
+    ASSERT_TRUE(source.read_text(k_text, sizeof k_text - 1, TEST_FILE));
+    EXPECT_FALSE(source.set_value("d.a", value));
+    EXPECT_EQ(source.text(), k_text);
+    ASSERT_EQ(recorder.texts().size(), 1U);
+    EXPECT_NE(recorder.texts().front().find("Not a value: '"), std::string::npos);
+  }
+}
+
+TEST(MISUSED_SOURCE, TransactionsDoNotNest) {
+  MESSAGE_RECORDER recorder;
+  SBD_SOURCE_DOCUMENT source;
+  ASSERT_TRUE(source.read_text(k_text, sizeof k_text - 1, TEST_FILE));
+  EXPECT_TRUE(source.begin());
+  EXPECT_FALSE(source.begin());
+  EXPECT_TRUE(source.roll_back());
+  EXPECT_FALSE(source.commit());
+  EXPECT_EQ(source.text(), k_text);
+  EXPECT_TRUE(recorder.is_silent());
 }
 
 TEST(MISUSED_SOURCE, SavingWhatWasNeverReadNeedsAPath) {
@@ -230,6 +337,68 @@ TEST(MISUSED_RULES, UnknownChipsAndNamesHaveNone) {
 TEST(MISUSED_TEXTS, NullsAreIgnored) {
   EXPECT_EQ(sbd_copy_text(nullptr), nullptr);
   sbd_free_text(nullptr);
+}
+
+// ---- Rules that a caller made up
+// -----------------------------------------------------------------
+
+template <class THING>
+std::string in_english(bool (*tell)(const THING&, SBD_STRING&) noexcept, const THING& thing) {
+  SBD_STRING text = "before";
+  EXPECT_TRUE(tell(thing, text));
+  return std::string(text.data(), text.size());
+}
+
+TEST(MISUSED_RULES, UnknownKindsAreToldAsFarAsTheyGo) {
+  MESSAGE_RECORDER recorder;
+  const SBD_RULE_CONDITION condition{"a.b", static_cast<SBD_RULE_CONDITION::TEST>(99), nullptr};
+  EXPECT_EQ(in_english(sbd_get_condition_text, condition), "a.b");
+
+  const SBD_VALUE_SET unknown{static_cast<SBD_VALUE_SET::KIND>(99), 0, 0, nullptr, nullptr, 0};
+  EXPECT_EQ(in_english<SBD_VALUE_SET>(sbd_get_values_text, unknown), "any value");
+
+  SBD_PARAMETER_RULE rule;
+  rule.type = static_cast<SBD_PARAMETER_RULE::VALUE::VALUE_TYPE>(99);
+  EXPECT_EQ(in_english<SBD_PARAMETER_RULE>(sbd_get_values_text, rule), "any value");
+  rule.requirement = SBD_VELDRAN_PARAMETER_READER::RQ_BY_RULE;
+  EXPECT_EQ(in_english(sbd_get_requirement_text, rule), "required");
+  rule.requirement = static_cast<SBD_VELDRAN_PARAMETER_READER::REQUIRED>(99);
+  EXPECT_EQ(in_english(sbd_get_requirement_text, rule), "optional");
+
+  SBD_PARAMETER_READER::SBD_PARAMETER_VALUE value(5UL, true, true);
+  value.m_value_type = static_cast<SBD_PARAMETER_READER::SBD_PARAMETER_VALUE::VALUE_TYPE>(99);
+  EXPECT_EQ(in_english(sbd_get_value_text, value), "");
+  EXPECT_TRUE(recorder.is_silent());
+}
+
+TEST(MISUSED_RULES, AnyValueMayHaveExceptions) {
+  const SBD_RULE_CONDITION condition{"a.b", SBD_RULE_CONDITION::RT_IS_TRUE, nullptr};
+  const SBD_VALUE_SET any{SBD_VALUE_SET::VS_ANY, 0, 0, nullptr, nullptr, 0};
+  const SBD_VALUE_SET range{SBD_VALUE_SET::VS_RANGE, 1, 5, nullptr, nullptr, 0};
+  const SBD_VALUE_RULE values{"c", any, &condition, 1, range};
+  SBD_PARAMETER_RULE rule;
+  rule.value_rule = &values;
+  EXPECT_EQ(in_english<SBD_PARAMETER_RULE>(sbd_get_values_text, rule),
+            "any value; 1 to 5 when a.b is true");
+}
+
+TEST(MISUSED_VALUES, AssignmentToItselfChangesNothing) {
+  SBD_PARAMETER_READER::SBD_PARAMETER_VALUE value(SBD_STRING(100, 'x'), true, true);
+  const auto& same = value;
+  value = same;
+  EXPECT_EQ(value.m_string_value, SBD_STRING(100, 'x'));
+}
+
+// A reader that validates what it has not read says so for each parameter.
+TEST(MISUSED_READER, ValidatingBeforeReading) {
+  MESSAGE_RECORDER recorder;
+  SBD_VELDRAN device("d");
+  SBD_QMXA1_PARAMETER_READER reader(device, SBD_STRING("d.s"));
+  EXPECT_FALSE(reader.validate_all_parameters());
+  ASSERT_FALSE(recorder.conditions().empty());
+  for (const std::string& condition : recorder.conditions()) {
+    EXPECT_NE(condition.find(" has not been read from the SBD file"), std::string::npos);
+  }
 }
 
 }  // namespace

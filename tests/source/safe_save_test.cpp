@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -53,10 +55,16 @@ class SAFE_SAVE : public testing::Test {
 
   // Runs `body` in a child process, as nobody when we are root; true when it returned true.
   static bool in_child(const std::function<bool()>& body) {
+    (void)std::fflush(nullptr);  // Lest the child prints it, too.
     const pid_t child = fork();
     if (child == 0) {
-      if (geteuid() == 0 && seteuid(65534) != 0) _exit(2);
-      _exit(body() ? 0 : 1);
+      const uid_t owner = geteuid();
+      const gid_t group = getegid();
+      if (owner == 0 && (setegid(k_nobody) != 0 || seteuid(k_nobody) != 0)) _exit(2);
+      const bool is_good = body();
+      // As itself again, the program may write down what it counted.
+      if (seteuid(owner) != 0 || setegid(group) != 0) _exit(2);
+      std::exit(is_good ? 0 : 1);
     }
     int status = 0;
     waitpid(child, &status, 0);
@@ -74,6 +82,8 @@ class SAFE_SAVE : public testing::Test {
                                                     path + "'. " + reason,
                                             });
   }
+
+  static constexpr uid_t k_nobody = 65534;
 
   MESSAGE_RECORDER messages;
   TEMPORARY_DIRECTORY folder;
@@ -159,14 +169,74 @@ TEST_F(SAFE_SAVE, FilesAndFoldersThatMayNotBeWrittenAreLeftAlone) {
   EXPECT_EQ(count_files(folder.path()), 1U);
 }
 
+// Nobody is to act in the name of the new owner.
+TEST_F(SAFE_SAVE, FilesOfOthersChangeTheirOwner) {
+  if (geteuid() != 0) GTEST_SKIP() << "only for root";
+  ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+  ASSERT_EQ(chmod(path.c_str(), 04666), 0);
+  EXPECT_TRUE(in_child([this] { return source.save(nullptr); }));
+  EXPECT_EQ(content_of(path), k_changed);
+  EXPECT_EQ(mode_of(path), 0666U);
+  struct stat status {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, k_nobody);
+}
+
+TEST_F(SAFE_SAVE, TheOwnerIsKept) {
+  if (chown(path.c_str(), k_nobody, k_nobody) != 0) GTEST_SKIP() << "only for root";
+  EXPECT_TRUE(source.save(nullptr));
+  EXPECT_EQ(content_of(path), k_changed);
+  struct stat status {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, k_nobody);
+  EXPECT_EQ(status.st_gid, k_nobody);
+  ASSERT_EQ(chown(path.c_str(), geteuid(), k_nobody), 0);
+  EXPECT_TRUE(source.save(nullptr));
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, geteuid());
+  EXPECT_EQ(status.st_gid, k_nobody);
+}
+
+TEST_F(SAFE_SAVE, PathsWithoutAFolderAreInTheCurrentOne) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const bool is_saved = source.save("other.sbd");
+  std::filesystem::create_symlink("other.sbd", "link.sbd");
+  EXPECT_TRUE(source.set_value("d.a", "3"));
+  const bool is_link_saved = source.save("link.sbd");
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(is_saved);
+  EXPECT_TRUE(is_link_saved);
+  EXPECT_EQ(content_of(folder.path_of("other.sbd")), "device d {\n  a = 3;  # one\n}\n");
+  path = "";
+  EXPECT_TRUE(is_refused("The file can't be reached: no such file or folder."));
+}
+
+// What was sent before the save is still there afterwards.
+TEST_F(SAFE_SAVE, ASignalThatWaitsIsLeftWaiting) {
+  sigset_t signal;
+  sigset_t before;
+  sigemptyset(&signal);
+  sigaddset(&signal, SIGXFSZ);
+  ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &signal, &before), 0);
+  ASSERT_EQ(raise(SIGXFSZ), 0);
+  EXPECT_TRUE(source.save(nullptr));
+  const timespec no_time{};
+  EXPECT_EQ(sigtimedwait(&signal, nullptr, &no_time), SIGXFSZ);
+  ASSERT_EQ(pthread_sigmask(SIG_SETMASK, &before, nullptr), 0);
+}
+
 TEST_F(SAFE_SAVE, TheLimitForTheSizeOfFilesIsAnError) {
   EXPECT_TRUE(in_child([] { return true; }));
   ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
   ASSERT_EQ(chmod(path.c_str(), 0666), 0);
   EXPECT_TRUE(in_child([this] {
-    const rlimit limit{10, 10};
+    rlimit before{};
+    if (getrlimit(RLIMIT_FSIZE, &before) != 0) return false;
+    const rlimit limit{10, before.rlim_max};
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
-    return is_refused("The new file can't be written: the file is too large.");
+    const bool is_good = is_refused("The new file can't be written: the file is too large.");
+    return setrlimit(RLIMIT_FSIZE, &before) == 0 && is_good;
   }));
   EXPECT_EQ(content_of(path), k_text);
   EXPECT_EQ(count_files(folder.path()), 1U);

@@ -117,6 +117,34 @@ TEST_P(SOURCE_EXHAUSTION, TextAndTreeStayTogether) {
 
 INSTANTIATE_TEST_SUITE_P(Of, SOURCE_EXHAUSTION, testing::Range(std::size_t{0}, std::size(k_edits)));
 
+// Memory is gone for the edit, for its repair and for what is asked next; then it is there again.
+TEST_P(SOURCE_EXHAUSTION, NothingIsLostWhileThereIsNoMemory) {
+  for (std::size_t count = 1; count != 60; ++count) {
+    SCOPED_TRACE(testing::Message() << edit().name << ", allocation " << count);
+    MESSAGE_RECORDER recorder;
+    SBD_SOURCE_DOCUMENT document;
+    read(document);
+    const std::string before = state_of(document);
+    SBD_STRING why;
+    sbd_host::fail_allocation("SBD", count, true);
+    const bool is_done = edit().run(document, m_arguments);
+    if (recorder.conditions().empty()) break;
+    EXPECT_FALSE(is_done);
+    EXPECT_NO_THROW({
+      (void)document.text();
+      (void)document.document();
+      EXPECT_FALSE(document.set_value("d.a", "8"));
+      EXPECT_FALSE(document.verify(why));
+      EXPECT_FALSE(document.save("/no/such/file"));
+      if (document.begin()) EXPECT_FALSE(document.set_value("d.a", "9"));
+      (void)document.roll_back();
+    });
+    sbd_host::fail_allocation("SBD", 0, false);
+    EXPECT_EQ(state_of(document), before);
+    EXPECT_TRUE(document.verify(why)) << why;
+  }
+}
+
 // The old file is there as long as the new one is not whole.
 TEST(SAVE_EXHAUSTION, OldOrNewFile) {
   const TEMPORARY_DIRECTORY directory;
