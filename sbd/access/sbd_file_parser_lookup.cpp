@@ -60,7 +60,8 @@ SBD_NODE* SBD_LOOKUP::resolve(const SBD_FILE_PARSER& document, const SBD_JOINED_
                               const SBD_NODE* scope) {
   const std::string_view whole = name.view();
   if (scope == nullptr) {
-    SBD_NODE* const found = m_store->names.find_path(m_parser_para.root, whole, m_store->pool);
+    SBD_NODE* const found = document.m_store->names.find_path(document.m_parser_para.root, whole,
+                                                              document.m_store->pool);
     if (found != nullptr) return found;
   }
   const char* const end = whole.data() + whole.size();
