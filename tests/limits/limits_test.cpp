@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -203,6 +204,29 @@ TEST(COUNTS, DigitsOfAnIndex) {
   EXPECT_TRUE(read_text(document, "device d { x[9] = 1; }"));
   EXPECT_FALSE(read_text(document, "device d { x[10] = 1; }"));
   EXPECT_TRUE(document.is_valid_parameter_name("x[10]"));
+}
+
+// ---- Messages
+// ------------------------------------------------------------------------------------
+
+// There are as many as there are faults, and none is kept: memory does not grow with them.
+TEST(COUNTS, MessagesAreNotKept) {
+  const std::string text(200000, '@');
+  std::size_t count = 0;
+  std::size_t first_blocks = 0;
+  std::size_t most_blocks = 0;
+  sbd_host::set_message_handler([&](const sbd_host::MESSAGE&) {
+    const std::size_t blocks = sbd_host::get_memory_account("SBD").live_blocks;
+    if (count++ == 0) first_blocks = blocks;
+    most_blocks = std::max(most_blocks, blocks);
+  });
+  {
+    SBD_FILE_PARSER document;
+    EXPECT_FALSE(document.read_text(text.data(), text.size(), "many.sbd"));
+  }
+  sbd_host::set_message_handler({});
+  EXPECT_GE(count, text.size());
+  EXPECT_EQ(most_blocks, first_blocks);
 }
 
 }  // namespace
