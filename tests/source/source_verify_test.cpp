@@ -350,8 +350,7 @@ TEST_F(CHANGED_TREE, Nodes) {
   SBD_NODE* const x = document.get_ref_object("d.m.x", nullptr);
   SBD_NODE* const module = document.get_ref_object("d.m", nullptr);
   expect_noticed(x->next, static_cast<SBD_NODE*>(nullptr), "d.m.x");
-  char other_case[] = "X";
-  expect_noticed(symbol_of(x)->name, static_cast<char*>(other_case), "d.m.X");
+  expect_noticed(symbol_of(x)->name[0], 'X', "d.m.X");
   char type[] = "MODULE";
   expect_noticed(module->block->type, static_cast<char*>(type), "d.m");
 }
