@@ -41,7 +41,9 @@ const std::string& long_descriptor() {
 struct DEVICE {
   DEVICE() = default;
   explicit DEVICE(bool is_read) {
-    if (is_read) EXPECT_TRUE(read());
+    if (is_read) {
+      EXPECT_TRUE(read());
+    }
   }
   bool read() {
     return device.read_text(long_descriptor().data(), long_descriptor().size(), "long.sbd");
@@ -367,7 +369,8 @@ const OPERATION<READ_READER> k_lookups[] = {
     {"two names",
      [](auto& r) {
        bool value = true;
-       return told(r.reader.get_parameter(k_module.c_str(), "none", value)) + told(value);
+       std::string answer = told(r.reader.get_parameter(k_module.c_str(), "none", value));
+       return answer + told(value);
      },
      "falsefalse"},
     {"record",

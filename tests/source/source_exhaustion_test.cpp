@@ -136,7 +136,9 @@ TEST_P(SOURCE_EXHAUSTION, NothingIsLostWhileThereIsNoMemory) {
       EXPECT_FALSE(document.set_value("d.a", "8"));
       EXPECT_FALSE(document.verify(why));
       EXPECT_FALSE(document.save("/no/such/file"));
-      if (document.begin()) EXPECT_FALSE(document.set_value("d.a", "9"));
+      if (document.begin()) {
+        EXPECT_FALSE(document.set_value("d.a", "9"));
+      }
       (void)document.roll_back();
     });
     sbd_host::fail_allocation("SBD", 0, false);
