@@ -16,8 +16,9 @@ class SBD_SOURCE {
   // Behind the text lie this many NUL bytes, so that scanning needs no check for the end, nor
   // loading eight bytes at once.
   static constexpr std::size_t k_padding = 16;
-  // Positions are kept in 32 bits, plus one.
-  static constexpr std::size_t k_longest = 0xFFFFFFFFU - 1;
+  // Positions are kept in 32 bits, plus one; where addresses have no more than that, longer texts
+  // than a quarter of them would find no memory.
+  static constexpr std::size_t k_longest = sizeof(std::size_t) > 4 ? 0xFFFFFFFFU - 1 : 0x3FFFFFFFU;
 
   SBD_SOURCE() = default;
   ~SBD_SOURCE() { release(); }

@@ -420,7 +420,7 @@ TEST_F(SET_VALUE, KeepsTheDoubleOfLargeIntegers) {
   }
   // As a double 2^64, or the largest of 32 bits.
   ASSERT_TRUE(m_document->set_value("d", "dec", ~0UL, 16, k_no_unit));
-  const std::string digits = sizeof(unsigned long) > 4 ? "0x0" : "0xffffffff";
+  const std::string digits = sizeof(unsigned long) > 4 ? "0x0" : "0xFFFFFFFF";
   EXPECT_EQ(line("dec"), "dec = " + digits + " [k .dec]; \t# dec");
 }
 
