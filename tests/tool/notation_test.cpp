@@ -25,7 +25,7 @@ class READ_VALUE {
   }
 
   const VALUE& value() const {
-    static const VALUE k_none;
+    static const VALUE k_none{};
     const VALUE* const value = m_document.get_para_value("d", "x");
     EXPECT_NE(value, nullptr);
     return value != nullptr ? *value : k_none;
