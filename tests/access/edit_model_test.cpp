@@ -396,8 +396,7 @@ class EDIT_SEQUENCE {
     const auto [block, parameter] = parameter_name(40);
     const int value = chance(85) ? static_cast<int>(below(2)) : static_cast<int>(m_random() >> 32);
     note("set_value", {block, parameter}, "flag " + std::to_string(value));
-    compare_results(m_model.set_flag(text_of(block), text_of(parameter),
-                                     static_cast<long>(static_cast<std::uint32_t>(value))),
+    compare_results(m_model.set_flag(text_of(block), text_of(parameter), value),
                     m_document.set_value(text_of(block), text_of(parameter), value));
   }
 

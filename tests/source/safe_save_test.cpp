@@ -92,7 +92,7 @@ class SAFE_SAVE : public testing::Test {
 };
 
 TEST_F(SAFE_SAVE, ReplacesTheFileAndKeepsItsMode) {
-  for (const mode_t mode : {0644, 0600, 0666, 0755}) {
+  for (const mode_t mode : {0644U, 0600U, 0666U, 0755U}) {
     ASSERT_EQ(chmod(path.c_str(), mode), 0);
     EXPECT_TRUE(source.save(nullptr));
     EXPECT_EQ(content_of(path), k_changed);

@@ -57,7 +57,7 @@ TEST_F(DEVICE_TEST, ClocksWithoutValueSayWhy) {
       board_with("parameters clocks { input_clock_frequency = 50MHz; pll_ahb_m = 4; pll_ahb_n = 0; "
                  "pll_ahb_k = 2; pll_sdram_m = 3; pll_sdram_n = 1; ahb2_divide = 0; }"));
   const std::vector<DERIVED_VIEW> clocks = derive_clocks(descriptor->document);
-  for (const int i : {0, 1}) {
+  for (const std::size_t i : {0U, 1U}) {
     EXPECT_FALSE(clocks[i].value);
     EXPECT_EQ(clocks[i].problem, "division by 0");
   }

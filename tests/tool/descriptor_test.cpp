@@ -57,7 +57,7 @@ TEST_F(DESCRIPTOR_TEST, DirectoryIsUnreadable) {
 }
 
 TEST_F(DESCRIPTOR_TEST, FileOfAnySizeIsReadWhole) {
-  for (const std::size_t size : {0, 1, 65535, 65536, 65537, 131072, 1000000}) {
+  for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 131072U, 1000000U}) {
     const std::string content(size, ' ');
     const auto descriptor = read_descriptor(m_folder.write("a.sbd", content), 0);
     EXPECT_EQ(descriptor->outcome, sbd_tool::EXIT_FINE) << size;
