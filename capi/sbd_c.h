@@ -41,12 +41,19 @@
 #define SBDC_API
 #endif
 
+/* Callers may hand over any number, in C++ as in C, and are told when it means nothing. */
+#ifdef __cplusplus
+#define SBDC_ANY_NUMBER : int
+#else
+#define SBDC_ANY_NUMBER
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* What became of a call. */
-typedef enum sbdc_status {
+typedef enum sbdc_status SBDC_ANY_NUMBER {
   SBDC_OK = 0,
   SBDC_FAULTY = 1,     /* The text was read, and has faults: see the findings. */
   SBDC_UNREADABLE = 2, /* The file can't be opened or read. */
@@ -263,7 +270,11 @@ SBDC_API sbdc_status sbdc_walk_next(sbdc_walk* walk, size_t most, sbdc_listing**
  * refused edit gives SBDC_REFUSED, with findings that tell why, and changes nothing. */
 
 /* Where something new is put among the members of its block. */
-typedef enum sbdc_place { SBDC_AT_END = 0, SBDC_BEFORE = 1, SBDC_BEHIND = 2 } sbdc_place;
+typedef enum sbdc_place SBDC_ANY_NUMBER {
+  SBDC_AT_END = 0,
+  SBDC_BEFORE = 1,
+  SBDC_BEHIND = 2
+} sbdc_place;
 
 /* Sets a parameter to a value in the notation of the format: 32, 0x40K, 50MHz, -1.5, true, name,
  * "a text", {1, {2, 3K}}. It must be of a kind that the present value can give way to; numbers and
@@ -393,7 +404,7 @@ SBDC_API const sbdc_parameter* sbdc_device_find_parameter(const sbdc_device* dev
                                                           const char* name);
 
 /* The clocks that follow from the settings. */
-typedef enum sbdc_clock { SBDC_AHB1 = 1, SBDC_AHB2 = 2, SBDC_SDRAM = 3 } sbdc_clock;
+typedef enum sbdc_clock SBDC_ANY_NUMBER { SBDC_AHB1 = 1, SBDC_AHB2 = 2, SBDC_SDRAM = 3 } sbdc_clock;
 
 /* A frequency that follows from the settings, in hertz if the file gives the input clock with a
  * unit of frequency. SBDC_NOT_FOUND when the settings give none. */

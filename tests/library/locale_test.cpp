@@ -21,7 +21,7 @@
 // The C library does not give back the search path that it makes of LOCPATH for a std::locale.
 extern "C" __attribute__((visibility("default"))) const char*
 __lsan_default_suppressions() {  // NOLINT: the sanitizer's name for it
-  return "leak:__argz_add_sep";
+  return "leak:argz_add_sep";
 }
 #endif
 
