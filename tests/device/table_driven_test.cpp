@@ -1,8 +1,8 @@
 // Every parameter of every chip: absent, at and past its limits, of the wrong kind, required or
 // not.
-#include <cstdint>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <random>
 #include <set>
 #include <string>

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/sbd_host.h"
@@ -39,20 +40,27 @@ inline std::size_t allocations_made() {
   return sbd_host::get_memory_account("SBD").total_allocations;
 }
 
+// What an operation comes to when nothing fails.
+struct OUTCOME {
+  std::string answer;
+  std::string state;
+};
+
+template <class SUBJECT>
+OUTCOME outcome_of(const OPERATION<SUBJECT>& operation) {
+  const MESSAGE_RECORDER recorder;
+  SUBJECT subject;
+  std::string answer = operation.run(subject);
+  return {std::move(answer), subject.state()};
+}
+
 // With the n-th allocation failing, alone and with all later ones, for every n until it succeeds:
 // nothing is thrown, one internal error tells of it, the answer is that of a failure, the subject
 // is as it was, and nothing is left behind.
 template <class SUBJECT>
 void expect_survival(const OPERATION<SUBJECT>& operation) {
   SCOPED_TRACE(operation.name);
-  std::string answer;
-  std::string state;
-  {
-    MESSAGE_RECORDER recorder;
-    SUBJECT subject;
-    answer = operation.run(subject);
-    state = subject.state();
-  }
+  const OUTCOME expected = outcome_of(operation);
   std::size_t failures = 0;
   for (const bool and_later : {false, true}) {
     for (std::size_t count = 1;; ++count) {
@@ -72,8 +80,8 @@ void expect_survival(const OPERATION<SUBJECT>& operation) {
         sbd_host::fail_allocation("SBD", 0, false);
         is_reached = !recorder.conditions().empty() || allocations_made() - made + 1 >= count;
         if (recorder.conditions().empty()) {
-          EXPECT_EQ(got, answer);
-          EXPECT_EQ(subject.state(), state);
+          EXPECT_EQ(got, expected.answer);
+          EXPECT_EQ(subject.state(), expected.state);
         } else {
           ++failures;
           const std::size_t reports =
@@ -96,22 +104,15 @@ void expect_survival(const OPERATION<SUBJECT>& operation) {
 template <class SUBJECT>
 void expect_handlers_may_throw(const OPERATION<SUBJECT>& operation) {
   SCOPED_TRACE(operation.name);
-  std::string answer;
-  std::string state;
-  {
-    MESSAGE_RECORDER recorder;
-    SUBJECT subject;
-    answer = operation.run(subject);
-    state = subject.state();
-  }
+  const OUTCOME expected = outcome_of(operation);
   SUBJECT subject;
   sbd_host::set_message_handler(
       [](const sbd_host::MESSAGE&) { throw std::runtime_error("the host's own trouble"); });
   sbd_host::set_internal_error_handler([](const sbd_host::INTERNAL_ERROR&) { throw 1; });
   std::string got;
   EXPECT_NO_THROW(got = operation.run(subject));
-  EXPECT_EQ(got, answer);
-  EXPECT_EQ(subject.state(), state);
+  EXPECT_EQ(got, expected.answer);
+  EXPECT_EQ(subject.state(), expected.state);
   for (const std::size_t count : {1U, 2U, 5U}) {
     SUBJECT other;
     sbd_host::fail_allocation("SBD", count, true);

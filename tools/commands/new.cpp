@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -17,7 +16,7 @@
 #include "tools/lookup.h"
 #include "tools/parameter_help.h"
 #include "tools/starter.h"
-#include "tools/visible_text.h"
+#include "tools/text_file.h"
 
 namespace sbd_tool {
 
@@ -127,18 +126,7 @@ class NEW_COMMAND : public COMMAND {
 
   // A file that is there already is somebody's work.
   bool save(SESSION& session, const std::string& text) const {
-    std::FILE* const file = std::fopen(m_output.c_str(), "wbx");
-    bool is_saved = file != nullptr;
-    if (file != nullptr) {
-      is_saved = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-      is_saved = std::fclose(file) == 0 && is_saved;
-    }
-    if (!is_saved) {
-      session.complain(
-          fmt::format("can't write {}: {}", make_visible(m_output), std::strerror(errno)),
-          EXIT_UNUSABLE);
-    }
-    return is_saved;
+    return write_text_file(session, m_output, text, PRESENT_FILE::STAYS);
   }
 
   void print_json(OUTPUT& output, const std::string& text, bool is_file) const {

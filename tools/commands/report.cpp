@@ -1,9 +1,5 @@
 // sbd report: writes a page about a descriptor.
-#include <fmt/format.h>
-
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -16,7 +12,7 @@
 #include "tools/html_report.h"
 #include "tools/input.h"
 #include "tools/json_tree.h"
-#include "tools/visible_text.h"
+#include "tools/text_file.h"
 
 namespace sbd_tool {
 
@@ -89,18 +85,7 @@ class REPORT_COMMAND : public COMMAND {
   }
 
   bool save(SESSION& session, const std::string& page) const {
-    std::FILE* const file = std::fopen(m_output.c_str(), "wb");
-    bool is_saved = file != nullptr;
-    if (file != nullptr) {
-      is_saved = std::fwrite(page.data(), 1, page.size(), file) == page.size();
-      is_saved = std::fclose(file) == 0 && is_saved;
-    }
-    if (!is_saved) {
-      session.complain(
-          fmt::format("can't write {}: {}", make_visible(m_output), std::strerror(errno)),
-          EXIT_UNUSABLE);
-    }
-    return is_saved;
+    return write_text_file(session, m_output, page, PRESENT_FILE::IS_REPLACED);
   }
 
   void print_json(OUTPUT& output, const DESCRIPTOR& descriptor,
