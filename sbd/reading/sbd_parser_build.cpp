@@ -1,14 +1,20 @@
-// The tree builders: one action of the grammar each.
+// The tree builders: one action of the grammar each. What the host throws ends in them; what was
+// made of a caller's token is freed then, and what was handed over stays the caller's.
+#include "sbd/reading/sbd_parser_build.h"
+
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
-#include "sbd/reading/sbd_grammar_actions.h"
-#include "sbd/reading/sbd_parser_build.h"
+#include "sbd/reading/sbd_numbers.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_parser.h"
 
-using ACTIONS = SBD_GRAMMAR_ACTIONS;
+using SBD_BLOCK = SBD_FILE_PARSER::SBD_BLOCK;
 using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
 using SBD_PARA_ATTR = SBD_FILE_PARSER::SBD_PARA_ATTR;
 using SBD_PARA_REF = SBD_FILE_PARSER::SBD_PARA_REF;
@@ -20,12 +26,179 @@ using SBD_TOKEN_INFO = SBD_FILE_PARSER::SBD_TOKEN_INFO;
 
 namespace {
 
-// What a builder makes of the token, or null where the host has no memory for it. The reader, which
-// gives up the whole tree then, catches that itself.
+// What a builder makes, or null where the host has no memory for it.
 template <class BODY>
-auto build(const SBD_TOKEN_INFO* token, const BODY& body) -> decltype(body()) {
-  if (ACTIONS::reading_of(token) != nullptr) return body();
+auto build(const BODY& body) -> decltype(body()) {
   return sbd_guarded(k_source_parser, decltype(body())(nullptr), body);
+}
+
+// Whether a token is a caller's; what is made of a document's lies in its memory.
+bool is_foreign(const SBD_TOKEN_INFO* token) {
+  return token == nullptr || token->origin == nullptr;
+}
+
+// A record that belongs to where the token comes from. Freed again unless it is kept.
+template <class T>
+class NEW_RECORD {
+ public:
+  explicit NEW_RECORD(const SBD_TOKEN_INFO* token)
+      : m_is_foreign(is_foreign(token)),
+        m_record(m_is_foreign ? new T : token->origin->template make<T>()) {}
+  ~NEW_RECORD() {
+    if (m_is_foreign) delete m_record;
+  }
+  NEW_RECORD(const NEW_RECORD&) = delete;
+  NEW_RECORD& operator=(const NEW_RECORD&) = delete;
+
+  T* operator->() const { return m_record; }
+  T* get() const { return m_record; }
+  T* keep() { return std::exchange(m_record, nullptr); }
+
+ private:
+  const bool m_is_foreign;
+  T* m_record;
+};
+
+// A text made from a token, or none. Freed again unless it is kept.
+class NEW_TEXT {
+ public:
+  NEW_TEXT(char* text, const SBD_TOKEN_INFO* token)
+      : m_is_foreign(is_foreign(token)), m_text(text) {}
+  ~NEW_TEXT() {
+    if (m_is_foreign && m_text != nullptr) sbd_free_text(m_text);
+  }
+  NEW_TEXT(const NEW_TEXT&) = delete;
+  NEW_TEXT& operator=(const NEW_TEXT&) = delete;
+
+  char* get() const { return m_text; }
+  char* keep() { return std::exchange(m_text, nullptr); }
+
+ private:
+  const bool m_is_foreign;
+  char* m_text;
+};
+
+std::uint32_t position_of(const SBD_TOKEN_INFO& token) {
+  return token.origin == nullptr ? 0 : token.origin->position_of(token.text.data());
+}
+
+char* copy_token_text(const SBD_TOKEN_INFO& token) {
+  if (token.origin != nullptr) return token.origin->copy(token.text);
+  return sbd_duplicate_text(SBD_STRING(token.text).c_str());
+}
+
+// As SBD_STORE::copy_free_text.
+char* copy_free_text(const SBD_TOKEN_INFO& token) {
+  if (token.origin != nullptr) return token.origin->copy_free_text(token.text);
+  SBD_STRING text(token.text);
+  std::replace(text.begin(), text.end(), '\0', ' ');
+  return sbd_duplicate_text(text.c_str());
+}
+
+// The symbol of a new node. It is entered when nothing else can fail any more.
+SBD_SYMBOL* enter_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node, const SBD_TOKEN_INFO& name,
+                         SBD_SYMBOL_TABLE& symbol_table) {
+  NEW_RECORD<SBD_SYMBOL> symbol(&name);
+  symbol->line = name.line;
+  symbol->type = type;
+  symbol->node = node;
+  NEW_TEXT text(copy_token_text(name), &name);
+  symbol->name = text.get();
+  sbd_enter_foreign_symbol(symbol.get(), symbol_table);
+  (void)text.keep();
+  return symbol.keep();
+}
+
+// The digits behind 0x or 0b.
+std::string_view without_prefix(std::string_view number) {
+  return number.substr(std::min<std::size_t>(number.size(), 2));
+}
+
+SBD_NODE* make_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, SBD_NODE* members,
+                     SBD_SYMBOL_TABLE* symbol_table) {
+  NEW_RECORD<SBD_NODE> node(name);
+  NEW_RECORD<SBD_BLOCK> block(name);
+  node->type = SBD_NODE::NT_BLOCK;
+  node->block = block.get();
+  block->members = members;
+  if (type != nullptr) {
+    node->m_position = position_of(*type);
+    block->type = copy_token_text(*type);
+    block->block_type = SBD_FILE_PARSER::lookup_block_type(block->type);
+  }
+  NEW_TEXT type_text(block->type, type);
+  const bool has_table =
+      SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
+  if (SBD_CHECK(name != nullptr, "block_name != NULL", k_source_parser) && has_table) {
+    block->name = enter_symbol(SBD_SYMBOL::SYM_BLOCK, node.get(), *name, *symbol_table);
+  }
+  (void)type_text.keep();
+  (void)block.keep();
+  return node.keep();
+}
+
+// A statement node with everything but its value or references.
+SBD_NODE* make_statement(SBD_STATEMENT::STATEMENT_TYPE type, const SBD_TOKEN_INFO* name,
+                         const SBD_TOKEN_INFO* comment, SBD_SYMBOL_TABLE* symbol_table) {
+  NEW_RECORD<SBD_NODE> node(name);
+  NEW_RECORD<SBD_STATEMENT> statement(name);
+  node->type = SBD_NODE::NT_STATEMENT;
+  node->statement = statement.get();
+  statement->type = type;
+  NEW_TEXT comment_text(comment != nullptr ? copy_free_text(*comment) : nullptr, comment);
+  statement->comment = comment_text.get();
+  const bool has_table =
+      SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
+  if (SBD_CHECK(name != nullptr, "para_name != NULL", k_source_parser) && has_table) {
+    node->m_position = position_of(*name);
+    statement->name = enter_symbol(SBD_SYMBOL::SYM_PARAMETER, node.get(), *name, *symbol_table);
+  }
+  (void)comment_text.keep();
+  (void)statement.keep();
+  return node.keep();
+}
+
+SBD_PARA_VALUE* make_value(int code, const SBD_TOKEN_INFO* token) {
+  if (!SBD_CHECK(token != nullptr, "token != NULL", k_source_parser)) return nullptr;
+  NEW_RECORD<SBD_PARA_VALUE> value(token);
+  const std::string_view text = token->text;
+  value->m_position = position_of(*token);
+  value->m_length = static_cast<std::uint32_t>(text.size());
+  switch (code) {
+    case SBD_TOK_UDECIMAL:
+      value->type = SBD_PARA_VALUE::VT_UDECIMAL;
+      value->number = sbd_convert_decimal(text);
+      return value.keep();
+    case SBD_TOK_OCTAL:
+      value->type = SBD_PARA_VALUE::VT_OCTAL;
+      value->number = sbd_convert_octal(text);
+      return value.keep();
+    case SBD_TOK_HEXAL:
+      value->type = SBD_PARA_VALUE::VT_HEXAL;
+      value->number = sbd_convert_hexadecimal(without_prefix(text));
+      return value.keep();
+    case SBD_TOK_BINARY:
+      value->type = SBD_PARA_VALUE::VT_BINARY;
+      value->number = sbd_convert_binary(without_prefix(text));
+      return value.keep();
+    case SBD_TOK_FLOAT:
+      value->type = SBD_PARA_VALUE::VT_FLOAT;
+      value->number = sbd_convert_float(text);
+      return value.keep();
+    case SBD_TOK_TRUE:
+    case SBD_TOK_FALSE:
+      value->type = SBD_PARA_VALUE::VT_BOOL;
+      value->flag = code == SBD_TOK_TRUE ? 1 : 0;
+      return value.keep();
+    case SBD_TOK_STRING:
+    case SBD_TOK_IDENTIFIER:
+      value->type = SBD_PARA_VALUE::VT_STRING;
+      value->text = copy_free_text(*token);
+      return value.keep();
+    default:
+      sbd_report_internal_error("Invalid token id\n", k_source_parser, __LINE__);
+      return nullptr;
+  }
 }
 
 template <class T>
@@ -38,33 +211,6 @@ T* join(T* first, T* second) {
 }
 
 }  // namespace
-
-char* SBD_GRAMMAR_ACTIONS::copy_token_text(const SBD_TOKEN_INFO& token) {
-  if (token.origin != nullptr) return token.origin->copy(token.text);
-  return sbd_duplicate_text(SBD_STRING(token.text).c_str());
-}
-
-char* SBD_GRAMMAR_ACTIONS::copy_free_text(const SBD_TOKEN_INFO& token) {
-  if (token.text.find('\0') == std::string_view::npos) return copy_token_text(token);
-  SBD_STRING text(token.text);
-  std::replace(text.begin(), text.end(), '\0', ' ');
-  if (token.origin == nullptr) return sbd_duplicate_text(text.c_str());
-  auto* const copy = static_cast<char*>(token.origin->pool.take(text.size() + 1));
-  std::memcpy(copy, text.c_str(), text.size() + 1);
-  return copy;
-}
-
-SBD_SYMBOL* SBD_GRAMMAR_ACTIONS::enter_other_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
-                                                    const SBD_TOKEN_INFO& name,
-                                                    SBD_SYMBOL_TABLE& symbol_table) {
-  NEW_RECORD<SBD_SYMBOL> symbol(&name);
-  describe_symbol(*symbol.get(), type, node, name);
-  NEW_TEXT text(copy_token_text(name), &name);
-  symbol->name = text.get();
-  sbd_enter_foreign_symbol(symbol.get(), symbol_table);
-  (void)text.keep();
-  return symbol.keep();
-}
 
 void sbd_enter_foreign_symbol(SBD_SYMBOL* symbol, SBD_SYMBOL_TABLE& symbol_table) {
   SBD_STORE* const store = symbol_table.store();
@@ -88,7 +234,7 @@ SBD_SYMBOL* sbd_create_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
   if (!SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser)) return nullptr;
   if (!SBD_CHECK(name != nullptr, "name != NULL", k_source_parser)) return nullptr;
   SBD_SYMBOL* const symbol = sbd_guarded(k_source_parser, static_cast<SBD_SYMBOL*>(nullptr), [=] {
-    return ACTIONS::enter_other_symbol(type, node, *name, *symbol_table);
+    return enter_symbol(type, node, *name, *symbol_table);
   });
   if (symbol == nullptr) return nullptr;
   for (const SBD_SYMBOL* other = symbol->next; other != nullptr; other = other->next) {
@@ -101,64 +247,62 @@ SBD_SYMBOL* sbd_create_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
 
 SBD_NODE* sbd_do_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, SBD_NODE* members,
                        SBD_SYMBOL_TABLE* symbol_table) {
-  return build(name, [=] {
-    return ACTIONS::do_block(type, name, members, symbol_table, ACTIONS::reading_of(name));
-  });
+  return build([=] { return make_block(type, name, members, symbol_table); });
 }
 
 SBD_NODE* sbd_do_assignment(const SBD_TOKEN_INFO* name, SBD_PARA_VALUE* value,
                             SBD_PARA_ATTR* attributes, const SBD_TOKEN_INFO* comment,
                             SBD_SYMBOL_TABLE* symbol_table) {
-  return build(name, [=] {
-    return ACTIONS::do_assignment(name, value, attributes, comment, symbol_table,
-                                  ACTIONS::reading_of(name));
-  });
+  SBD_NODE* const node = build(
+      [=] { return make_statement(SBD_STATEMENT::ST_ASSIGNMENT, name, comment, symbol_table); });
+  if (node == nullptr) return nullptr;
+  node->statement->value = value;
+  node->statement->attributes = attributes;
+  return node;
 }
 
 SBD_NODE* sbd_do_reference(const SBD_TOKEN_INFO* name, SBD_PARA_REF* references,
                            const SBD_TOKEN_INFO* comment, SBD_SYMBOL_TABLE* symbol_table) {
-  SBD_NODE* const node = build(name, [=] {
-    return ACTIONS::do_statement(SBD_STATEMENT::ST_REFERENCE, name, comment, symbol_table,
-                                 ACTIONS::reading_of(name));
-  });
+  SBD_NODE* const node = build(
+      [=] { return make_statement(SBD_STATEMENT::ST_REFERENCE, name, comment, symbol_table); });
   if (node != nullptr) node->statement->reference = references;
   return node;
 }
 
 SBD_NODE* sbd_do_comment(const SBD_TOKEN_INFO* comment) {
   if (!SBD_CHECK(comment != nullptr, "comment != NULL", k_source_parser)) return nullptr;
-  return build(comment, [comment] {
-    ACTIONS::NEW_RECORD<SBD_NODE> node(comment);
+  return build([comment] {
+    NEW_RECORD<SBD_NODE> node(comment);
     node->type = SBD_NODE::NT_COMMENT;
-    node->m_position = ACTIONS::position_of(*comment);
-    node->comment = ACTIONS::copy_free_text(*comment);
+    node->m_position = position_of(*comment);
+    node->comment = copy_free_text(*comment);
     return node.keep();
   });
 }
 
 SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
-  return build(token, [=] { return ACTIONS::do_para_value(code, token); });
+  return build([=] { return make_value(code, token); });
 }
 
 SBD_PARA_REF* sbd_do_para_ref(const SBD_TOKEN_INFO* name) {
   if (!SBD_CHECK(name != nullptr, "name != NULL", k_source_parser)) return nullptr;
-  return build(name, [name] {
-    ACTIONS::NEW_RECORD<SBD_PARA_REF> reference(name);
-    reference->name = ACTIONS::copy_token_text(*name);
-    reference->m_position = ACTIONS::position_of(*name);
+  return build([name] {
+    NEW_RECORD<SBD_PARA_REF> reference(name);
+    reference->name = copy_token_text(*name);
+    reference->m_position = position_of(*name);
     return reference.keep();
   });
 }
 
 SBD_PARA_ATTR* sbd_do_para_attr(const SBD_TOKEN_INFO* key, const SBD_TOKEN_INFO* value) {
-  return build(key, [=] {
-    ACTIONS::NEW_RECORD<SBD_PARA_ATTR> attribute(key);
-    ACTIONS::NEW_TEXT key_text(key != nullptr ? ACTIONS::copy_token_text(*key) : nullptr, key);
+  return build([=] {
+    NEW_RECORD<SBD_PARA_ATTR> attribute(key);
+    NEW_TEXT key_text(key != nullptr ? copy_token_text(*key) : nullptr, key);
     if (SBD_CHECK(key != nullptr, "attr_key != NULL", k_source_parser)) {
       attribute->attr_key = key_text.get();
-      attribute->m_position = ACTIONS::position_of(*key);
+      attribute->m_position = position_of(*key);
     }
-    if (value != nullptr) attribute->attr_value = ACTIONS::copy_token_text(*value);
+    if (value != nullptr) attribute->attr_value = copy_token_text(*value);
     (void)key_text.keep();
     return attribute.keep();
   });

@@ -4,36 +4,17 @@
 #include <cstring>
 
 #include "sbd/reading/sbd_chars.h"
-#include "sbd/reading/sbd_grammar_actions.h"
+#include "sbd/reading/sbd_numbers.h"
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
-#include "sbd/sbd_parser.h"
+#include "sbd/reading/sbd_tree_maker.h"
 
-using SBD_BLOCK = SBD_FILE_PARSER::SBD_BLOCK;
-using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
 using SBD_PARA_ATTR = SBD_FILE_PARSER::SBD_PARA_ATTR;
 using SBD_PARA_REF = SBD_FILE_PARSER::SBD_PARA_REF;
 using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
 using SBD_PARSER_PARA = SBD_FILE_PARSER::SBD_PARSER_PARA;
-using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
-using SBD_TOKEN_INFO = SBD_FILE_PARSER::SBD_TOKEN_INFO;
 
 namespace {
-
-// The members that a block, or the top level, has so far.
-struct MEMBER_LIST {
-  SBD_NODE* first = nullptr;
-  SBD_NODE* last = nullptr;
-  std::size_t comments = 0;
-  std::size_t first_name = 0;  // Index of its first name among the open ones.
-};
-
-// A block whose "}" has not come yet.
-struct OPEN_BLOCK {
-  SBD_TOKEN_INFO type;
-  SBD_TOKEN_INFO name;
-  MEMBER_LIST enclosing;
-};
 
 // Skips a group of one digit in brackets, if there is one.
 inline bool skip_index(const char*& next) {
@@ -42,13 +23,15 @@ inline bool skip_index(const char*& next) {
   return true;
 }
 
-// The token that a word is: an identifier, or one of the Boolean words.
-inline int word_code(std::string_view word) {
+// What a word is: an identifier, or one of the Boolean words.
+enum class WORD { IDENTIFIER, TRUE, FALSE };
+
+inline WORD kind_of(std::string_view word) {
   // Only words of 4 and 5 letters need a look.
-  if (word.size() - 4 > 1) return SBD_TOK_IDENTIFIER;
-  if (word == "true" || word == "TRUE" || word == "True") return SBD_TOK_TRUE;
-  if (word == "false" || word == "FALSE" || word == "False") return SBD_TOK_FALSE;
-  return SBD_TOK_IDENTIFIER;
+  if (word.size() - 4 > 1) return WORD::IDENTIFIER;
+  if (word == "true" || word == "TRUE" || word == "True") return WORD::TRUE;
+  if (word == "false" || word == "FALSE" || word == "False") return WORD::FALSE;
+  return WORD::IDENTIFIER;
 }
 
 // Recursive descent over the grammar, with stacks of its own in place of recursion. Every function
@@ -56,12 +39,12 @@ inline int word_code(std::string_view word) {
 // the place stays in a register.
 class FAULTLESS_PARSER {
  public:
-  FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_READING_STATE& state,
-                   SBD_PARSER_PARA& para)
+  using NAME = SBD_TREE_MAKER::NAME;
+
+  FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para)
       : m_end(text.data() + text.size()),
-        m_store(store),
-        m_state(state),
-        m_para(para),
+        m_source(store.source),
+        m_tree(store, para),
         m_line_begin(text.data()),
         m_next_mark(text.data()) {}
 
@@ -77,7 +60,7 @@ class FAULTLESS_PARSER {
       } else if (c == '}') {
         next = close_block(next);
       } else {
-        return next == m_end && m_open_blocks.empty() && finish();
+        return next == m_end && !m_tree.is_in_block() && finish();
       }
     }
     return false;
@@ -103,27 +86,27 @@ class FAULTLESS_PARSER {
 
   void count_line(const char* newline) {
     if (newline >= m_next_mark) {
-      m_next_mark = m_store.source.mark_lines(newline, {m_line, m_line_begin});
+      m_next_mark = m_source.mark_lines(newline, {m_line, m_line_begin});
     }
     ++m_line;
     m_line_begin = newline + 1;
   }
 
-  SBD_TOKEN_INFO token(const char* begin, const char* end) const {
-    return {m_line, std::string_view(begin, static_cast<std::size_t>(end - begin)), &m_store};
+  static std::string_view text_between(const char* begin, const char* end) {
+    return {begin, static_cast<std::size_t>(end - begin)};
   }
 
   // An identifier or an indexed name, of which the first character was seen to begin one.
-  const char* skip_declared_name(const char* begin, SBD_TOKEN_INFO& name) {
+  const char* skip_declared_name(const char* begin, NAME& name) const {
     const char* next = sbd_skip_name(begin);
     while (skip_index(next)) {
     }
-    name = token(begin, next);
-    return word_code(name.text) == SBD_TOK_IDENTIFIER ? next : nullptr;
+    name = {text_between(begin, next), m_line};
+    return kind_of(name.text) == WORD::IDENTIFIER ? next : nullptr;
   }
 
   // An identifier or a qualified name; where an indexed name stands, that is a fault.
-  const char* skip_reference_name(const char* begin, SBD_TOKEN_INFO& name, bool& has_dot) {
+  static const char* skip_reference_name(const char* begin, std::string_view& name, bool& has_dot) {
     if (!sbd_is(*begin, CC_NAME_START | CC_DOT)) return nullptr;
     has_dot = false;
     bool has_index = false;
@@ -135,203 +118,135 @@ class FAULTLESS_PARSER {
       } else if (*next == '[' && skip_index(next)) {
         has_index = true;
       } else {
-        name = token(begin, next);
-        const bool is_name = has_dot || (!has_index && word_code(name.text) == SBD_TOK_IDENTIFIER);
+        name = text_between(begin, next);
+        const bool is_name = has_dot || (!has_index && kind_of(name) == WORD::IDENTIFIER);
         return is_name ? next : nullptr;
       }
     }
   }
 
   // The rest of the line from "#" on, with its newline; a fault at the end of the text.
-  const char* skip_comment(const char* begin, SBD_TOKEN_INFO& comment) {
+  const char* skip_comment(const char* begin, std::string_view& comment) {
     const auto* const newline =
         static_cast<const char*>(std::memchr(begin, '\n', static_cast<std::size_t>(m_end - begin)));
     if (newline == nullptr) return nullptr;
     count_line(newline);
     m_is_tail = false;
-    comment = token(begin, newline + 1);
+    comment = text_between(begin, newline + 1);
     return newline + 1;
   }
 
-  void append(SBD_NODE* node) {
-    if (m_members.last == nullptr) {
-      m_members.first = node;
-    } else {
-      m_members.last->next = node;
-    }
-    m_members.last = node;
-  }
-
   const char* parse_comment_line(const char* next) {
-    SBD_TOKEN_INFO comment;
+    std::string_view comment;
     if (m_is_tail || (next = skip_comment(next, comment)) == nullptr) return nullptr;
-    append(sbd_do_comment(&comment));
-    ++m_members.comments;
+    m_tree.add_comment(comment);
     return next;
   }
 
   // A statement or the head of a block.
   const char* parse_named(const char* next) {
-    SBD_TOKEN_INFO name;
+    NAME name;
     next = skip_declared_name(next, name);
     if (next == nullptr) return nullptr;
     const char* const name_end = next;
     next = skip_blank_space(next);
     switch (*next) {
       case '=':
-        return m_open_blocks.empty() ? nullptr : parse_assignment(next + 1, name);
+        return m_tree.is_in_block() ? parse_assignment(next + 1, name) : nullptr;
       case '<':
-        return m_open_blocks.empty() ? nullptr : parse_reference(next + 1, name);
+        return m_tree.is_in_block() ? parse_reference(next + 1, name) : nullptr;
       default:
         // Two names with nothing between them would be one token.
         return next == name_end || name_end[-1] == ']' ? nullptr : parse_block_head(next, name);
     }
   }
 
-  const char* parse_block_head(const char* next, const SBD_TOKEN_INFO& type) {
+  const char* parse_block_head(const char* next, const NAME& type) {
     if (!sbd_is(*next, CC_NAME_START)) return nullptr;
-    SBD_TOKEN_INFO name;
+    NAME name;
     next = skip_declared_name(next, name);
     if (next == nullptr) return nullptr;
     next = skip_blank_space(next);
     if (*next != '{') return nullptr;
-    m_open_blocks.push_back({type, name, m_members});
-    m_members = {nullptr, nullptr, 0, m_state.open_members.size()};
+    m_tree.open_block(type.text, name);
     return next + 1;
   }
 
   const char* close_block(const char* next) {
-    if (m_open_blocks.empty() || m_members.first == nullptr) return nullptr;
+    if (!m_tree.is_in_block() || m_tree.is_empty()) return nullptr;
     ++next;
     m_is_tail = true;
-    const OPEN_BLOCK open = m_open_blocks.back();
-    m_open_blocks.pop_back();
-    SBD_NODE* const node = SBD_GRAMMAR_ACTIONS::do_block(&open.type, &open.name, m_members.first,
-                                                         m_para.symbol_table, &m_state);
-    node->block->m_last = m_members.last;
-    node->block->m_end_position = m_store.source.offset_of(next);
-
-    // The block's own name was entered last; it belongs to the scope around the block.
-    auto& names = m_state.open_members;
-    const SBD_OPEN_MEMBER own_name = names.back();
-    names.pop_back();
-    close_scope(node);
-    names.push_back(own_name);
-
-    m_members = open.enclosing;
-    append(node);
-    const auto type = node->block->block_type;
-    const bool is_top_level = m_open_blocks.empty();
-    if (type == SBD_BLOCK::BT_UNKNOWN || (type == SBD_BLOCK::BT_DEVICE) != is_top_level) {
-      m_store.facts.has_misplaced_blocks = true;
-    }
+    m_tree.close_block(next);
     return next;
   }
 
-  // Takes the innermost open scope's names from the open ones.
-  void close_scope(SBD_NODE* block) {
-    auto& names = m_state.open_members;
-    const SBD_OPEN_MEMBER* const first = names.begin() + m_members.first_name;
-    if (m_store.facts.gives_parents) {
-      for (const SBD_OPEN_MEMBER* name = first; name != names.end(); ++name) {
-        name->symbol->parent = block != nullptr ? block : name->symbol->node;
-      }
-    }
-    const bool is_unique =
-        m_store.names.close_scope(block, first, names.end(), m_members.comments, m_store.pool);
-    if (!is_unique) m_store.facts.has_duplicate_names = true;
-    names.truncate(m_members.first_name);
-  }
-
   bool finish() {
-    close_scope(nullptr);
-    m_store.source.set_last_line({m_line, m_line_begin});
-    m_para.root = m_members.first;
-    m_store.last_root = m_members.last;
+    m_tree.finish();
+    m_source.set_last_line({m_line, m_line_begin});
     return true;
   }
 
-  // The ";" of a statement and the comment behind it; `comment` is null where there is none.
-  const char* parse_statement_end(const char* next, SBD_TOKEN_INFO& comment_token,
-                                  const SBD_TOKEN_INFO*& comment) {
-    comment = nullptr;
+  // The ";" of a statement and the comment behind it, null where there is none.
+  const char* parse_statement_end(const char* next, std::string_view& comment) {
     if (*next != ';') return nullptr;
     m_is_tail = true;
     next = sbd_skip_blanks(next + 1);
-    if (*next != '#') return next;
-    comment = &comment_token;
-    return skip_comment(next, comment_token);
+    return *next == '#' ? skip_comment(next, comment) : next;
   }
 
-  const char* parse_assignment(const char* next, const SBD_TOKEN_INFO& name) {
+  const char* parse_assignment(const char* next, const NAME& name) {
     next = skip_blank_space(next);
     SBD_PARA_VALUE* value = nullptr;
     next = *next == '{' ? parse_list(next, value) : parse_simple_value(next, value);
     if (next == nullptr) return nullptr;
     SBD_PARA_ATTR* attributes = nullptr;
     if (*next == '[' && (next = parse_attributes(next, attributes)) == nullptr) return nullptr;
-    SBD_TOKEN_INFO comment_token;
-    const SBD_TOKEN_INFO* comment = nullptr;
-    next = parse_statement_end(next, comment_token, comment);
+    std::string_view comment;
+    next = parse_statement_end(next, comment);
     if (next == nullptr) return nullptr;
-    append(SBD_GRAMMAR_ACTIONS::do_assignment(&name, value, attributes, comment,
-                                              m_para.symbol_table, &m_state));
+    m_tree.add_assignment(name, value, attributes, comment);
     return next;
   }
 
-  const char* parse_reference(const char* next, const SBD_TOKEN_INFO& name) {
+  const char* parse_reference(const char* next, const NAME& name) {
     SBD_PARA_REF* references = nullptr;
-    SBD_PARA_REF* last = nullptr;
+    SBD_PARA_REF** link = &references;
     do {
-      SBD_TOKEN_INFO element;
+      std::string_view element;
       bool has_dot = false;
       next = skip_reference_name(skip_blank_space(next), element, has_dot);
       if (next == nullptr) return nullptr;
-      SBD_PARA_REF* const reference = sbd_do_para_ref(&element);
-      if (last == nullptr) {
-        references = reference;
-      } else {
-        sbd_join_para_ref(last, reference);
-      }
-      last = reference;
+      *link = m_tree.make_reference(element);
+      link = &(*link)->next;
       next = skip_blank_space(next);
     } while (*next++ == ',');
     if (next[-1] != '>') return nullptr;
-    SBD_TOKEN_INFO comment_token;
-    const SBD_TOKEN_INFO* comment = nullptr;
-    next = parse_statement_end(skip_blank_space(next), comment_token, comment);
+    std::string_view comment;
+    next = parse_statement_end(skip_blank_space(next), comment);
     if (next == nullptr) return nullptr;
-    SBD_NODE* const node = sbd_do_reference(&name, references, comment, m_para.symbol_table);
-    append(node);
-    m_store.facts.references.push_back(node->statement);
+    m_tree.add_reference(name, references, comment);
     return next;
   }
 
   const char* parse_attributes(const char* next, SBD_PARA_ATTR*& attributes) {
     // Right behind a number, "[" leaves the scanner where it knows no names.
     if (m_is_unit && sbd_is(next[1], CC_NAME_START)) return nullptr;
-    SBD_PARA_ATTR* last = nullptr;
+    SBD_PARA_ATTR** link = &attributes;
     ++next;
     do {
-      SBD_TOKEN_INFO key;
+      std::string_view key;
       bool has_dot = false;
       next = skip_reference_name(skip_blank_space(next), key, has_dot);
       if (next == nullptr || has_dot) return nullptr;
       next = skip_blank_space(next);
-      SBD_TOKEN_INFO value;
-      const bool has_value = sbd_is(*next, CC_NAME_START | CC_DOT);
-      if (has_value) {
+      std::string_view value;
+      if (sbd_is(*next, CC_NAME_START | CC_DOT)) {
         next = skip_reference_name(next, value, has_dot);
         if (next == nullptr || !has_dot) return nullptr;
         next = skip_blank_space(next);
       }
-      SBD_PARA_ATTR* const attribute = sbd_do_para_attr(&key, has_value ? &value : nullptr);
-      if (last == nullptr) {
-        attributes = attribute;
-      } else {
-        sbd_join_para_attr(last, attribute);
-      }
-      last = attribute;
+      *link = m_tree.make_attribute(key, value);
+      link = &(*link)->next;
     } while (*next++ == ',');
     return next[-1] == ']' ? skip_blank_space(next) : nullptr;
   }
@@ -347,9 +262,11 @@ class FAULTLESS_PARSER {
 
   const char* parse_word(const char* begin, SBD_PARA_VALUE*& value) {
     const char* next = sbd_skip_name(begin);
-    const SBD_TOKEN_INFO word = token(begin, next);
+    const std::string_view word = text_between(begin, next);
     if (*next == '.' || skip_index(next)) return nullptr;
-    value = SBD_GRAMMAR_ACTIONS::do_para_value(word_code(word.text), &word);
+    const WORD kind = kind_of(word);
+    value = kind == WORD::IDENTIFIER ? m_tree.make_word(word)
+                                     : m_tree.make_bool(kind == WORD::TRUE, word);
     return skip_blank_space(next);
   }
 
@@ -361,31 +278,30 @@ class FAULTLESS_PARSER {
     }
     if (next == nullptr) return nullptr;
     ++next;
-    const SBD_TOKEN_INFO string = token(begin, next);
-    value = SBD_GRAMMAR_ACTIONS::do_para_value(SBD_TOK_STRING, &string);
+    value = m_tree.make_string(text_between(begin, next));
     return skip_blank_space(next);
   }
 
   const char* parse_number(const char* begin, SBD_PARA_VALUE*& value) {
-    int code = 0;
-    const char* next = skip_number(begin, code);
+    NUMBER number;
+    const char* next = skip_number(begin, number);
     if (next == nullptr) return nullptr;
-    const SBD_TOKEN_INFO number = token(begin, next);
-    value = SBD_GRAMMAR_ACTIONS::do_para_value(code, &number);
     const char* const digits_end = next;
-    if (sbd_is(*next, CC_LETTER)) {
-      next = skip_unit(next, value->unit);
-      if (next == nullptr) return nullptr;
-      value->m_length = static_cast<std::uint32_t>(next - begin);
-      return skip_blank_space(next);
-    }
+    const bool has_unit = sbd_is(*next, CC_LETTER);
+    auto unit = SBD_PARA_VALUE::QU_NONE;
+    if (has_unit && (next = skip_unit(next, unit)) == nullptr) return nullptr;
+    value = m_tree.make_number(number.type, number.value, unit, text_between(begin, next));
     next = skip_blank_space(next);
     m_is_unit = next == digits_end;
     return next;
   }
 
-  // A number, and its token's code.
-  static const char* skip_number(const char* begin, int& code) {
+  struct NUMBER {
+    SBD_PARA_VALUE::VALUE_TYPE type;
+    double value;
+  };
+
+  static const char* skip_number(const char* begin, NUMBER& number) {
     const char sign = *begin;
     const bool has_sign = sign == '+' || sign == '-';
     const char* const digits = has_sign ? begin + 1 : begin;
@@ -394,37 +310,48 @@ class FAULTLESS_PARSER {
       const bool has_digits_before = next != digits;
       const char* const decimals = ++next;
       next = sbd_skip_digits(next);
-      code = SBD_TOK_FLOAT;
-      return has_digits_before || next != decimals ? next : nullptr;
+      if (!has_digits_before && next == decimals) return nullptr;
+      number = {SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next))};
+      return next;
     }
     if (next == digits) return nullptr;
-    code = sign == '-' ? SBD_TOK_FLOAT : SBD_TOK_UDECIMAL;
-    if (digits[0] != '0') return next;
     // A zero with a sign must be the whole number.
-    if (has_sign) return next == digits + 1 ? next : nullptr;
-    return skip_prefixed_number(begin, next, code);
+    if (digits[0] == '0' && has_sign && next != digits + 1) return nullptr;
+    if (digits[0] == '0' && !has_sign) return skip_prefixed_number(begin, next, number);
+    if (sign == '-') {
+      number = {SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next))};
+    } else {
+      number = {SBD_PARA_VALUE::VT_UDECIMAL, sbd_convert_padded_decimal(text_between(begin, next))};
+    }
+    return next;
   }
 
   // A number that begins with "0"; `end` is behind its decimal digits.
-  static const char* skip_prefixed_number(const char* begin, const char* end, int& code) {
+  static const char* skip_prefixed_number(const char* begin, const char* end, NUMBER& number) {
     const char* next = begin + 1;
     if (end == next && (*next == 'x' || *next == 'X')) {
       const char* const digits = ++next;
       next = sbd_skip_hex_digits(next);
-      code = SBD_TOK_HEXAL;
-      return next == digits ? nullptr : next;
+      if (next == digits) return nullptr;
+      number = {SBD_PARA_VALUE::VT_HEXAL,
+                sbd_convert_padded_hexadecimal(text_between(digits, next))};
+      return next;
     }
     if (end == next && (*next == 'b' || *next == 'B')) {
       const char* const digits = ++next;
       while (*next == '0' || *next == '1') ++next;
-      code = SBD_TOK_BINARY;
-      return next == digits ? nullptr : next;
+      if (next == digits) return nullptr;
+      number = {SBD_PARA_VALUE::VT_BINARY, sbd_convert_binary(text_between(digits, next))};
+      return next;
     }
-    if (end == next) return next;
+    if (end == next) {
+      number = {SBD_PARA_VALUE::VT_UDECIMAL, 0};
+      return next;
+    }
     for (; next != end; ++next) {
       if (*next > '7') return nullptr;
     }
-    code = SBD_TOK_OCTAL;
+    number = {SBD_PARA_VALUE::VT_OCTAL, sbd_convert_octal(text_between(begin, end))};
     return next;
   }
 
@@ -470,11 +397,7 @@ class FAULTLESS_PARSER {
         if (count < 2) return nullptr;
         ++next;
         m_is_tail = true;
-        value = m_store.make<SBD_PARA_VALUE>();
-        value->type = SBD_PARA_VALUE::VT_LIST;
-        value->m_position = m_store.position_of(open.begin);
-        value->m_length = static_cast<std::uint32_t>(next - open.begin);
-        value->list = m_store.make_list(elements.end() - count, count);
+        value = m_tree.make_list(elements.end() - count, count, text_between(open.begin, next));
         elements.truncate(open.first_element);
         open_lists.pop_back();
         m_is_unit = false;
@@ -488,28 +411,13 @@ class FAULTLESS_PARSER {
   }
 
   const char* const m_end;
-  SBD_STORE& m_store;
-  SBD_READING_STATE& m_state;
-  SBD_PARSER_PARA& m_para;
+  SBD_SOURCE& m_source;
+  SBD_TREE_MAKER m_tree;
   std::uint32_t m_line = 1;
   bool m_is_tail = false;  // A "#" would be a tail comment: ";" or "}" came on this line.
   bool m_is_unit = false;  // The scanner still waits for the last number's unit.
   const char* m_line_begin;
   const char* m_next_mark;  // The first place whose line the source has not marked.
-  MEMBER_LIST m_members;
-  SBD_SCRATCH<OPEN_BLOCK, 16> m_open_blocks;
-};
-
-// Lends the store what the builders need.
-class READING {
- public:
-  READING(SBD_STORE& store, SBD_READING_STATE& state) : m_store(store) { m_store.lend(&state); }
-  ~READING() { m_store.lend(nullptr); }
-  READING(const READING&) = delete;
-  READING& operator=(const READING&) = delete;
-
- private:
-  SBD_STORE& m_store;
 };
 
 // How much memory the records of a text are going to take, as its beginning has it: rather too
@@ -533,7 +441,5 @@ std::size_t estimate_records(std::string_view text) {
 
 bool sbd_parse_faultless(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para) {
   store.pool.reserve(estimate_records(text));
-  SBD_READING_STATE state;
-  const READING reading(store, state);
-  return FAULTLESS_PARSER(text, store, state, para).parse();
+  return FAULTLESS_PARSER(text, store, para).parse();
 }

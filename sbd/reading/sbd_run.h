@@ -184,6 +184,17 @@ inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size
   return (same & wanted) == wanted;
 }
 
+// Whether there is a NUL byte among the first `size`.
+inline bool sbd_has_nul(const char* text, std::size_t size) {
+  const auto nul_mask = [](const char* from) {
+    return sbd_mask_of(_mm_cmpeq_epi8(sbd_load_step(from), _mm_setzero_si128()));
+  };
+  for (; size > k_run_step; size -= k_run_step, text += k_run_step) {
+    if (nul_mask(text) != 0) return true;
+  }
+  return (nul_mask(text) & ((1U << size) - 1)) != 0;
+}
+
 #else
 
 inline const char* sbd_skip_name(const char* next) {
@@ -226,6 +237,10 @@ inline void sbd_lower_step(const char* from, char* to) {
 
 inline bool sbd_equal_bytes(const char* one, const char* other, std::size_t size) {
   return std::memcmp(one, other, size) == 0;
+}
+
+inline bool sbd_has_nul(const char* text, std::size_t size) {
+  return std::memchr(text, '\0', size) != nullptr;
 }
 
 #endif

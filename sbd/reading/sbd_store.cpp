@@ -143,10 +143,6 @@ void SBD_STORE::drop_references_of(SBD_NODE* node) noexcept {
   }
 }
 
-void SBD_STORE::lend(SBD_READING_STATE* state) noexcept {
-  reading = state;
-}
-
 void SBD_STORE::clear_records() noexcept {
   names.clear();
   node_links.clear();

@@ -2,6 +2,7 @@
 #ifndef SBD_READING_SBD_STORE_H
 #define SBD_READING_SBD_STORE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,9 +11,9 @@
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_back_links.h"
-#include "sbd/reading/sbd_known_names.h"
 #include "sbd/reading/sbd_name_index.h"
 #include "sbd/reading/sbd_pool.h"
+#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_source.h"
 #include "sbd/sbd_file_parser.h"
@@ -36,13 +37,6 @@ struct SBD_PARSE_FACTS {
     has_misplaced_blocks = false;
     references.release();
   }
-};
-
-// What the parser keeps while it builds a tree, and nobody needs afterwards.
-struct SBD_READING_STATE {
-  SBD_KNOWN_NAMES known_names;
-  SBD_KNOWN_TYPES known_types;
-  SBD_SCRATCH<SBD_OPEN_MEMBER, 64> open_members;  // The names whose scope is open.
 };
 
 class SBD_STORE {
@@ -75,6 +69,14 @@ class SBD_STORE {
     }
     copy[text.size()] = '\0';
     return copy;
+  }
+  // A copy of a string or a comment, the only tokens that NUL bytes can stand in. They become
+  // blanks, since a text of the tree ends at its first NUL, and what stands behind it would be
+  // lost.
+  char* copy_free_text(std::string_view text) {
+    char* const copied = copy(text);
+    if (sbd_has_nul(text.data(), text.size())) std::replace(copied, copied + text.size(), '\0', ' ');
+    return copied;
   }
   // As SBD_VALUE_LIST::push_back, but throws what the host's memory manager throws.
   static void append(SBD_VALUE_LIST& list, SBD_PARA_VALUE* value);
@@ -131,9 +133,6 @@ class SBD_STORE {
   void drop_references_of(const SBD_FILE_PARSER::SBD_STATEMENT& statement) const;
   void drop_references_of(SBD_NODE* node) noexcept;
 
-  // Gives the parser's own state to the builders until null is given.
-  void lend(SBD_READING_STATE* state) noexcept;
-
   // Empties everything but the source.
   void clear_records() noexcept;
 
@@ -143,9 +142,8 @@ class SBD_STORE {
   SBD_BACK_LINKS<SBD_NODE> node_links;
   SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;
   SBD_PARSE_FACTS facts;
-  SBD_READING_STATE* reading = nullptr;  // While the parser builds the tree.
-  SBD_NODE* last_root = nullptr;         // Last top-level node, as far as known.
-  bool has_foreign = false;  // Something in the tree or the table lies outside the pool.
+  SBD_NODE* last_root = nullptr;  // Last top-level node, as far as known.
+  bool has_foreign = false;       // Something in the tree or the table lies outside the pool.
   bool has_reference_counts = true;
 
   bool is_parsing = false;  // What the host throws ends where the parser was called.
