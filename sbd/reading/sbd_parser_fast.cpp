@@ -439,6 +439,10 @@ std::size_t estimate_records(std::string_view text) {
 
 }  // namespace
 
+// All in one piece: calls would cost as much as many of the functions do.
+#if defined(__GNUC__)
+[[gnu::flatten]]
+#endif
 bool sbd_parse_faultless(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para) {
   store.pool.reserve(estimate_records(text));
   return FAULTLESS_PARSER(text, store, para).parse();
