@@ -297,6 +297,11 @@ class FAULTLESS_PARSER {
   }
 
   struct NUMBER {
+    void set(SBD_PARA_VALUE::VALUE_TYPE new_type, double new_value) {
+      type = new_type;
+      value = new_value;
+    }
+
     SBD_PARA_VALUE::VALUE_TYPE type;
     double value;
   };
@@ -311,7 +316,7 @@ class FAULTLESS_PARSER {
       const char* const decimals = ++next;
       next = sbd_skip_digits(next);
       if (!has_digits_before && next == decimals) return nullptr;
-      number = {SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next))};
+      number.set(SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next)));
       return next;
     }
     if (next == digits) return nullptr;
@@ -319,9 +324,10 @@ class FAULTLESS_PARSER {
     if (digits[0] == '0' && has_sign && next != digits + 1) return nullptr;
     if (digits[0] == '0' && !has_sign) return skip_prefixed_number(begin, next, number);
     if (sign == '-') {
-      number = {SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next))};
+      number.set(SBD_PARA_VALUE::VT_FLOAT, sbd_convert_float(text_between(begin, next)));
     } else {
-      number = {SBD_PARA_VALUE::VT_UDECIMAL, sbd_convert_padded_decimal(text_between(begin, next))};
+      number.set(SBD_PARA_VALUE::VT_UDECIMAL,
+                 sbd_convert_padded_decimal(text_between(begin, next)));
     }
     return next;
   }
@@ -333,25 +339,25 @@ class FAULTLESS_PARSER {
       const char* const digits = ++next;
       next = sbd_skip_hex_digits(next);
       if (next == digits) return nullptr;
-      number = {SBD_PARA_VALUE::VT_HEXAL,
-                sbd_convert_padded_hexadecimal(text_between(digits, next))};
+      number.set(SBD_PARA_VALUE::VT_HEXAL,
+                 sbd_convert_padded_hexadecimal(text_between(digits, next)));
       return next;
     }
     if (end == next && (*next == 'b' || *next == 'B')) {
       const char* const digits = ++next;
       while (*next == '0' || *next == '1') ++next;
       if (next == digits) return nullptr;
-      number = {SBD_PARA_VALUE::VT_BINARY, sbd_convert_binary(text_between(digits, next))};
+      number.set(SBD_PARA_VALUE::VT_BINARY, sbd_convert_binary(text_between(digits, next)));
       return next;
     }
     if (end == next) {
-      number = {SBD_PARA_VALUE::VT_UDECIMAL, 0};
+      number.set(SBD_PARA_VALUE::VT_UDECIMAL, 0);
       return next;
     }
     for (; next != end; ++next) {
       if (*next > '7') return nullptr;
     }
-    number = {SBD_PARA_VALUE::VT_OCTAL, sbd_convert_octal(text_between(begin, end))};
+    number.set(SBD_PARA_VALUE::VT_OCTAL, sbd_convert_octal(text_between(begin, end)));
     return next;
   }
 
