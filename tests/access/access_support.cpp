@@ -2,7 +2,6 @@
 
 #include <stdio.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -40,13 +39,6 @@ class TEXT_STREAM {
 };
 
 }  // namespace
-
-std::size_t scaled(std::size_t count) {
-  const char* const text = std::getenv("SBD_TEST_SCALE");
-  const double scale = text == nullptr ? 1 : std::strtod(text, nullptr);
-  const double product = static_cast<double>(count) * (scale > 0 ? scale : 1);
-  return std::max<std::size_t>(1, static_cast<std::size_t>(product));
-}
 
 std::string written(const SBD_FILE_PARSER& document) {
   TEXT_STREAM text;

@@ -10,6 +10,7 @@
 
 #include "sbd/sbd_file_parser.h"
 #include "tests/support/message_recorder.h"
+#include "tests/support/test_scale.h"
 
 // The numbers of the messages that writing and editing post.
 inline constexpr int k_file_error = 1;
@@ -18,9 +19,6 @@ inline constexpr int k_warning = 9;
 
 // The internal error that looking up an empty name is.
 inline constexpr char k_empty_name[] = "ref[p1] == '.'";
-
-// `count` times SBD_TEST_SCALE, at least 1.
-std::size_t scaled(std::size_t count);
 
 // What the library writes for a document, for a chain of siblings, for a value.
 std::string written(const SBD_FILE_PARSER& document);

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <random>
 
 bool read_text(SBD_VELDRAN& device, std::string_view text) {
@@ -13,13 +10,6 @@ bool read_text(SBD_VELDRAN& device, std::string_view text) {
 
 std::string plain(const SBD_STRING& text) {
   return std::string(text.data(), text.size());
-}
-
-std::size_t scaled(std::size_t count) {
-  const char* const text = std::getenv("SBD_TEST_SCALE");
-  const double scale = text ? std::strtod(text, nullptr) : 1;
-  return std::max<std::size_t>(
-      1, static_cast<std::size_t>(std::lround(static_cast<double>(count) * scale)));
 }
 
 TEXTS posted(const MESSAGE_RECORDER& recorder) {

@@ -12,6 +12,7 @@
 #include "tests/device/descriptor_text.h"
 #include "tests/device/expected_model.h"
 #include "tests/support/message_recorder.h"
+#include "tests/support/test_scale.h"
 
 using TEXTS = std::vector<std::string>;
 
@@ -21,9 +22,6 @@ inline constexpr char DESCRIPTOR_NAME[] = "test.sbd";
 bool read_text(SBD_VELDRAN& device, std::string_view text);
 
 std::string plain(const SBD_STRING& text);
-
-// `count` times SBD_TEST_SCALE, at least 1.
-std::size_t scaled(std::size_t count);
 
 // Every posted message as "number text", in order.
 TEXTS posted(const MESSAGE_RECORDER& recorder);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -20,6 +19,7 @@
 #include "tests/reference/document_dump.h"
 #include "tests/reference/reference_reader.h"
 #include "tests/reference/text_generator.h"
+#include "tests/support/test_scale.h"
 
 namespace {
 
@@ -36,20 +36,6 @@ constexpr std::size_t k_deep_count = 40;
 constexpr std::size_t k_max_differences = 5;
 
 constexpr char k_file_name[] = "f.sbd";
-
-double test_scale() {
-  static const double k_scale = [] {
-    const char* text = std::getenv("SBD_TEST_SCALE");
-    const double scale = text == nullptr ? 1 : std::strtod(text, nullptr);
-    return scale > 0 ? scale : 1;
-  }();
-  return k_scale;
-}
-
-std::size_t scaled(std::size_t count) {
-  const double product = static_cast<double>(count) * test_scale();
-  return std::max<std::size_t>(1, static_cast<std::size_t>(product));
-}
 
 // The part of an enumeration that is run. Without a common divisor every token still gets to every
 // place.

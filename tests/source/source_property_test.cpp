@@ -1,7 +1,6 @@
 // Random edits of random documents: what an edit may touch, and that tree and text agree.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
@@ -12,6 +11,7 @@
 #include "tests/reference/text_generator.h"
 #include "tests/support/memory_guard.h"
 #include "tests/support/message_recorder.h"
+#include "tests/support/test_scale.h"
 #include "tests/support/tree_builder.h"
 
 namespace {
@@ -459,13 +459,8 @@ class RANDOM_SESSION {
   std::vector<std::string> m_source_messages;
 };
 
-std::uint64_t scale() {
-  const char* const text = std::getenv("SBD_TEST_SCALE");
-  return text != nullptr ? std::strtoull(text, nullptr, 10) : 1;
-}
-
 TEST(SOURCE_PROPERTY, EditsTouchWhatTheyAreAboutAndTreeAndTextAgree) {
-  for (std::uint64_t seed = 1; seed <= 300 * scale(); ++seed) {
+  for (std::uint64_t seed = 1; seed <= scaled(300); ++seed) {
     SCOPED_TRACE(seed);
     RANDOM_SESSION session(seed);
     for (int i = 0; i != 30; ++i) {
