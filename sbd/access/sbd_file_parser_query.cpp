@@ -1,6 +1,7 @@
 // Questions about a document: kinds, lists of blocks, references, typed values.
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_extended.h"
 #include "sbd/reading/sbd_lookup.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_store.h"
@@ -61,7 +62,7 @@ bool get_number(const SBD_NODE* node, unsigned long& value) {
   const SBD_PARA_VALUE* const number = number_of(node);
   if (number == nullptr) return false;
   const auto multiplier = static_cast<long double>(SBD_FILE_PARSER::get_unit_value(number->unit));
-  value = sbd_low_bits(static_cast<long double>(number->number) * multiplier);
+  value = sbd_low_bits(sbd_extended(static_cast<long double>(number->number) * multiplier));
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include "sbd/device/sbd_decimal.h"
 #include "sbd/device/sbd_device_sources.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
+#include "sbd/reading/sbd_extended.h"
 #include "sbd/sbd_veldran.h"
 #include "sbd/sbd_veldran_keywords.h"
 
@@ -20,7 +21,7 @@ struct PLL {
 
 // The quotient; by 0 an infinity or no number, without the division that might trap.
 long double divide(long double dividend, std::uint32_t divisor) {
-  if (divisor != 0) return dividend / static_cast<long double>(divisor);
+  if (divisor != 0) return sbd_extended(dividend / static_cast<long double>(divisor));
   using LIMITS = std::numeric_limits<long double>;
   return dividend > 0 ? LIMITS::infinity() : LIMITS::quiet_NaN();
 }

@@ -6,6 +6,7 @@
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/parameter/sbd_parameter_source.h"
 #include "sbd/parameter/sbd_parameter_store.h"
+#include "sbd/reading/sbd_extended.h"
 #include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/sbd_parameter_reader.h"
@@ -24,12 +25,11 @@ bool convert(const SBD_PARA_VALUE& from, bool& to) {
   return true;
 }
 
-// The number times its unit, with the widest significand there is, so that no product of a whole
-// number and a unit has to be rounded.
+// The number times its unit, in extended precision, which holds the product of any whole number.
 bool multiply(const SBD_PARA_VALUE& from, long double& product) {
   if (from.type > SBD_PARA_VALUE::VT_FLOAT) return false;
-  product = static_cast<long double>(from.number) *
-            static_cast<long double>(SBD_FILE_PARSER::get_unit_value(from.unit));
+  product = sbd_extended(static_cast<long double>(from.number) *
+                         static_cast<long double>(SBD_FILE_PARSER::get_unit_value(from.unit)));
   return true;
 }
 

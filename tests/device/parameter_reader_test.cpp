@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <random>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "sbd/msg_sbd.h"
+#include "sbd/reading/sbd_extended.h"
 #include "tests/device/descriptor_text.h"
 #include "tests/device/exact_arithmetic.h"
 #include "tests/support/memory_guard.h"
@@ -549,6 +551,23 @@ TEST(PARAMETER_ROUNDING, ProductsHave64Bits) {
   EXPECT_EQ(double_of("67.091953MHz"), 0x1.ffdef88000000p+25);
   EXPECT_EQ(double_of("66.972227MHz"), 0x1.fef5218000000p+25);
   EXPECT_EQ(double_of("64.279453MHz"), 0x1.ea69ce8000000p+25);
+}
+
+// What machines with a wider type need is tried with the types that are narrower here.
+TEST(PARAMETER_ROUNDING, FewerDigitsAreThoseOfTheNarrowerType) {
+  std::mt19937_64 random(7);
+  for (int count = 0; count != 100000; ++count) {
+    const auto integer = static_cast<long double>(random() >> (random() % 64));
+    const long double number =
+        std::ldexp(random() % 2 == 0 ? integer : -integer, static_cast<int>(random() % 80) - 60);
+    ASSERT_EQ(sbd_round_to_digits<53>(number), static_cast<double>(number));
+    ASSERT_EQ(sbd_round_to_digits<24>(number), static_cast<float>(number));
+  }
+  constexpr long double k_infinity = std::numeric_limits<long double>::infinity();
+  EXPECT_EQ(sbd_round_to_digits<53>(k_infinity), k_infinity);
+  EXPECT_EQ(sbd_round_to_digits<53>(-k_infinity), -k_infinity);
+  EXPECT_TRUE(std::isnan(sbd_round_to_digits<53>(std::numeric_limits<long double>::quiet_NaN())));
+  EXPECT_EQ(sbd_extended(1.5L), 1.5L);
 }
 
 TEST(PARAMETER_ROUNDING, DoublesAreScaledButNotRounded) {
