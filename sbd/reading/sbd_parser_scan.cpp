@@ -16,9 +16,9 @@ struct MATCH {
   int code = k_unexpected;
   std::size_t length = 1;
 
-  // Takes another match when it is longer: of equal ones, the first one wins.
+  // Takes another match when it is longer: of equal ones, the first one wins. None is empty.
   void improve(int other_code, std::size_t other_length) {
-    if (other_length > length || (code == k_unexpected && other_length == length)) {
+    if (other_length > length || code == k_unexpected) {
       code = other_code;
       length = other_length;
     }

@@ -121,12 +121,12 @@ SBD_SOURCE_EDITOR::SPOT SBD_SOURCE_EDITOR::spot_inside(const SBD_NODE* block) co
   return spot;
 }
 
+// When there is no node in it, and so nothing on its last line.
 SBD_SOURCE_EDITOR::SPOT SBD_SOURCE_EDITOR::spot_at_end_of_text() const {
   SPOT spot;
   spot.offset = m_edits.original().size();
   spot.style.has_crlf = m_layout.usual_crlf();
-  const bool is_on_line = m_edits.scan_backward(spot.offset).kind == STOP::CONTENT;
-  spot.style.mode = is_on_line ? SBD_STYLE::LEADING : SBD_STYLE::LINES;
+  spot.style.mode = SBD_STYLE::LINES;
   return spot;
 }
 
@@ -185,7 +185,7 @@ void SBD_SOURCE_EDITOR::insert_block(const SBD_NODE* node, SPOT spot, const SBD_
   const SBD_STYLE& style = spot.style;
   const bool is_inline = style.mode == SBD_STYLE::INLINE;
   SBD_STRING head;
-  if (style.has_empty_before && !is_inline) head += style.line_end();
+  if (style.has_empty_before) head += style.line_end();
   head += style.head();
   head += edit.text;
   head += ' ';
@@ -202,7 +202,7 @@ void SBD_SOURCE_EDITOR::insert_block(const SBD_NODE* node, SPOT spot, const SBD_
   SBD_STRING end = style.head();
   end += '}';
   end += style.last_tail();
-  if (style.has_empty_behind && !is_inline) end += style.line_end();
+  if (style.has_empty_behind) end += style.line_end();
 
   const PIECES::iterator first = insert(spot, SBD_EDITED_TEXT(std::move(head), name));
   const PIECES::iterator last =

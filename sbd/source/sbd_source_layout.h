@@ -25,7 +25,8 @@ struct SBD_STYLE {
   bool has_crlf = false;
   bool has_brace_below = true;    // The "{" of a new block stands on a line of its own.
   bool ends_line = false;         // INLINE, with a line end behind it.
-  bool has_empty_before = false;  // A new block has an empty line before it, or behind it.
+  bool has_empty_before = false;  // A new block on lines of its own has an empty one before it,
+                                  // or behind it.
   bool has_empty_behind = false;
   SBD_STRING indent;
 };

@@ -11,10 +11,13 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "sbd/msg_sbd.h"
 #include "sbd/reading/sbd_extended.h"
+#include "sbd/reading/sbd_hash.h"
 #include "tests/device/descriptor_text.h"
 #include "tests/device/exact_arithmetic.h"
 #include "tests/support/memory_guard.h"
@@ -396,6 +399,33 @@ TEST_F(PARAMETER_READER, RecordsAreOrderedByTheBytesOfTheirNames) {
   for (const auto& [name, record] : m_reader.m_parameters) names.push_back(plain(name));
   EXPECT_EQ(names, (TEXTS{"stripe0.a", "stripe0.b", "stripe0.b1", "stripe0.b[1]", "stripe0.b_",
                           "stripe0.ba"}));
+}
+
+// Two names of one length and one hash, as readers look for them; the second is the higher one by 1
+// at the first letter in which they differ.
+std::pair<std::string, std::string> names_of_one_hash() {
+  const auto hash_of = [](const std::string& name) { return sbd_hash_name(name, 0) >> 32; };
+  std::unordered_map<std::uint64_t, std::string> lower_names;
+  for (int number = 100000; number != 200000; ++number) {
+    std::string name = "a" + std::to_string(number);
+    lower_names.emplace(hash_of(name), std::move(name));
+  }
+  for (int number = 100000;; ++number) {
+    std::string name = "b" + std::to_string(number);
+    const auto found = lower_names.find(hash_of(name));
+    if (found != lower_names.end() && name.size() == found->second.size()) {
+      return {found->second, std::move(name)};
+    }
+  }
+}
+
+TEST_F(PARAMETER_READER, NamesOfOneHashAreToldApart) {
+  const auto [lower, higher] = names_of_one_hash();
+  EXPECT_EQ(read_dword(nullptr, higher.c_str(), 1), "dword known false 1 0 ''");
+  EXPECT_EQ(m_reader.find_parameter(lower.c_str()), nullptr);
+  EXPECT_EQ(read_dword(nullptr, lower.c_str(), 2), "dword known false 2 0 ''");
+  EXPECT_EQ(told(m_reader.find_parameter(higher.c_str())), "dword known false 1 0 ''");
+  EXPECT_EQ(told(m_reader.find_parameter(lower.c_str())), "dword known false 2 0 ''");
 }
 
 TEST_F(PARAMETER_READER, ParameterNameMustNotBeNull) {

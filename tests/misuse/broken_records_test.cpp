@@ -298,6 +298,33 @@ TEST_F(BROKEN, TwoSymbolsWithoutParentsAreNoTwins) {
   document->free_node(second);
 }
 
+TEST_F(BROKEN, SymbolsEnteredForAnotherBlockAreFoundWhereTheirNodeIs) {
+  SBD_NODE* const added = make_assignment("n", make_number(1));
+  symbol_of(added)->parent = node("d");
+  document->add_symbol(symbol_of(added));
+  document->add_node(added, node("d.m"));
+  EXPECT_TRUE(document->resolve_symbol(root_of(*document), root_of(*document)));
+  EXPECT_EQ(node("d.n"), nullptr);
+  EXPECT_EQ(node("d.m.n"), added);
+  EXPECT_EQ(find_inconsistency(*document), "");
+  EXPECT_TRUE(recorder.is_silent());
+}
+
+TEST_F(BROKEN, SymbolsThatAreNotInTheirScopeHaveNoTwinThere) {
+  SBD_SYMBOL* const read = symbol_of(node("d.a"));
+  {
+    const CHANGED<SBD_NODE*> moved(read->parent, node("d.m"));
+    EXPECT_TRUE(document->check_declaration(read));
+  }
+  SBD_NODE* const added = make_assignment("a", make_number(2));
+  SBD_SYMBOL* const symbol = symbol_of(added);
+  symbol->parent = node("d");
+  EXPECT_TRUE(document->check_declaration(symbol));
+  document->add_symbol(symbol);
+  EXPECT_FALSE(document->check_declaration(symbol));
+  document->free_node(added);
+}
+
 // In a program of its own, since standard output is closed afterwards.
 TEST_F(BROKEN, StandardOutputIsWrittenToWithoutAPath) {
   const std::string path = testing::TempDir() + "/standard_output.sbd";
@@ -318,7 +345,8 @@ TEST(BROKEN_DEVICE, ParametersOfBrokenRecordsHaveNoValue) {
   SBD_VELDRAN device("d");
   constexpr char k_text[] =
       "device d { family = veldran_arm; type = qmxa1; module s { type = veldran_stripe; endian = "
-      "little; boot_from_flash = true; } module other { x = 1; } }";
+      "little; boot_from_flash = true; } module other { x = 1; } } device e { x = 1; } device f { x = "
+      "1; }";
   (void)device.read_text(k_text, sizeof k_text - 1, "f");
   ASSERT_NE(device.get_parameter_reader(), nullptr);
   const auto is_stripe_found = [&device] {

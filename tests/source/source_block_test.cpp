@@ -56,6 +56,12 @@ TEST_F(SOURCE_BLOCK, AtTheEndOfATextWithoutLineEnd) {
   expect_text("device d { a = 1; }");
 }
 
+TEST_F(SOURCE_BLOCK, IndentationIsNotTakenFromTheMiddleOfALine) {
+  read("device d {\n  module m { a = 1; b = 2;\n  }\n}\n");
+  EXPECT_TRUE(source.set_value("d.m.c", "3"));
+  expect_text("device d {\n  module m { a = 1; b = 2;\n    c = 3;\n  }\n}\n");
+}
+
 TEST_F(SOURCE_BLOCK, AnEmptyTextIsFilled) {
   EXPECT_TRUE(source.add_block("device", "d", nullptr));
   EXPECT_EQ(fault(), "'d': A block must have members.");
