@@ -15,6 +15,7 @@
 #include "tests/support/memory_guard.h"
 #include "tests/support/message_recorder.h"
 #include "tests/support/temporary_files.h"
+#include "tests/support/tree_builder.h"
 
 namespace {
 
@@ -976,6 +977,24 @@ TEST_F(DEVICE_OBJECT, PlaceAndFaultAreKnownWhileAMessageIsPosted) {
   EXPECT_EQ(m_recorder.messages().size(), 4u);
 }
 
+TEST_F(DEVICE_OBJECT, PlaceOfAFaultOfTheBlockIsAStatementOrItsName) {
+  std::string text;
+  TEXTS told;
+  m_recorder.on_message = [&](const RECORDED_MESSAGE& message) {
+    SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
+    ASSERT_TRUE(m_device->get_fault_range(range));
+    told.push_back(std::to_string(message.number) + " " + text.substr(range.offset, range.length));
+  };
+  text = "device board { family = x; type = y; }";
+  EXPECT_FALSE(read(text));
+  text = "device board { z = 1; }";
+  EXPECT_FALSE(read(text));
+  text = "device board { family = veldran_mips; type = qmxa4; }";
+  EXPECT_FALSE(read(text));
+  EXPECT_EQ(told,
+            (TEXTS{"14 family = x;", "6 type = y;", "15 board", "6 board", "6 type = qmxa4;"}));
+}
+
 TEST_F(DEVICE_OBJECT, PlaceOfAMissingParameterIsTheInnermostBlock) {
   std::vector<unsigned long> lines;
   m_recorder.on_message = [&](const RECORDED_MESSAGE&) {
@@ -1194,6 +1213,17 @@ TEST_F(DEVICE_READER, RulesDoNotAskForValidation) {
     if (row.is_value_checked) m_reader->validate_family_specific_parameter(name, is_valid);
   }
   EXPECT_TRUE(m_recorder.is_silent());
+}
+
+// A module that was entered behind the reading hides the one that was read from.
+TEST_F(DEVICE_READER, WhatIsReadLaterComesFromTheDocumentAsItIsThen) {
+  make_reader(minimal_settings());
+  SBD_NODE* const board = m_device->get_ref_object("board", nullptr);
+  SBD_NODE* const stripe = enter(*m_device, make_block("module", "stripe"), board);
+  SBD_NODE* const later = enter(*m_device, make_assignment("later", make_number(7)), stripe);
+  symbol_of(stripe)->parent = board;
+  symbol_of(later)->parent = stripe;
+  EXPECT_TRUE(m_reader->read_dword_parameter(nullptr, "later", nullptr, nullptr));
 }
 
 TEST_F(DEVICE_READER, RequirementCodesAreNumbered) {

@@ -428,6 +428,15 @@ TEST_F(PARAMETER_READER, NamesOfOneHashAreToldApart) {
   EXPECT_EQ(told(m_reader.find_parameter(lower.c_str())), "dword known false 2 0 ''");
 }
 
+// The hash takes no notice of the bit that makes capital letters small ones.
+TEST_F(PARAMETER_READER, OnlyLettersHaveACase) {
+  EXPECT_EQ(read_dword(nullptr, "_a[0]", 1), "dword known false 1 0 ''");
+  EXPECT_NE(m_reader.find_parameter("_A[0]"), nullptr);
+  EXPECT_EQ(m_reader.find_parameter("\177a[0]"), nullptr);
+  EXPECT_EQ(m_reader.find_parameter("_a{0]"), nullptr);
+  EXPECT_EQ(m_reader.find_parameter("_a[0}"), nullptr);
+}
+
 TEST_F(PARAMETER_READER, ParameterNameMustNotBeNull) {
   m_reader.read_bool_parameter("sdram", nullptr, nullptr, nullptr);
   m_reader.read_dword_parameter("sdram", nullptr, nullptr, nullptr);
@@ -1008,6 +1017,17 @@ TEST(PARAMETER_READER_SCALE, ManyParametersAreReadAndFound) {
     ASSERT_TRUE(reader.get_parameter(("X" + std::to_string(index)).c_str(), value));
     ASSERT_EQ(value, static_cast<unsigned long>(index));
   }
+}
+
+TEST(PARAMETER_READER_SCALE, ManyParametersTakeMemoryInFewPieces) {
+  const auto document = document_of("device d { x = 1; }");
+  TEST_READER reader(*document, "d");
+  const std::size_t made = sbd_host::get_memory_account("SBD").total_allocations;
+  for (int index = 0; index < 20000; ++index) {
+    reader.read_bool_parameter(nullptr, ("x" + std::to_string(index)).c_str(), nullptr, nullptr);
+  }
+  EXPECT_EQ(reader.m_parameters.size(), 20000U);
+  EXPECT_LT(sbd_host::get_memory_account("SBD").total_allocations - made, 100U);
 }
 
 }  // namespace

@@ -129,6 +129,19 @@ TEST(DEVICE_EXHAUSTION, QueriesAnswerNothing) {
   expect_all_to_survive(k_queries);
 }
 
+// Only then does the name of a port need memory.
+TEST(DEVICE_EXHAUSTION, PortsOfLongNumbersHaveNoWidth) {
+  const READ_DEVICE device;
+  const MESSAGE_RECORDER recorder;
+  unsigned long width = 7;
+  sbd_host::fail_allocation("SBD", 1, true);
+  const bool has_width = device.device.get_dpram_data_width(-1234567890, width);
+  sbd_host::fail_allocation("SBD", 0, false);
+  EXPECT_FALSE(has_width);
+  EXPECT_EQ(width, 0U);
+  EXPECT_EQ(recorder.conditions(), std::vector<std::string>{"out of memory"});
+}
+
 // ---- Rules -----------------------------------------------------------------------------------
 
 struct RULES : READ_DEVICE {
@@ -209,6 +222,34 @@ const OPERATION<RULES> k_rules[] = {
 
 TEST(RULES_EXHAUSTION, NothingIsWritten) {
   expect_all_to_survive(k_rules);
+}
+
+// The tables of a device are read up to where its memory ran out, the texts last.
+TEST(RULES_EXHAUSTION, ParametersThatCouldNotBeReadHaveNoState) {
+  bool is_none_read = false;
+  bool is_no_text_read = false;
+  for (std::size_t count = 1; !is_none_read || !is_no_text_read; ++count) {
+    ASSERT_LT(count, 5000U);
+    MESSAGE_RECORDER recorder;
+    DEVICE device;
+    sbd_host::fail_allocation("SBD", count, true);
+    (void)device.read();
+    sbd_host::fail_allocation("SBD", 0, false);
+    const SBD_PARAMETER_READER* const reader = device.device.get_parameter_reader();
+    if (reader == nullptr) continue;
+    SBD_PARAMETER_STATE state;
+    if (reader->find_parameter("dpram.mode[0]") != nullptr) continue;
+    EXPECT_FALSE(sbd_get_parameter_state(device.device, "dpram.mode[0]", state));
+    // Whether that is required depends on the mode, which is taken for another one than none.
+    if (sbd_get_parameter_state(device.device, "dpram.address_range[0]", state)) {
+      EXPECT_TRUE(state.is_required);
+      ASSERT_EQ(state.requirement_settings.size(), 1U);
+      EXPECT_FALSE(state.requirement_settings[0].value.m_has_value);
+      is_no_text_read = true;
+    } else {
+      is_none_read = true;
+    }
+  }
 }
 
 // ---- A reader of one's own
@@ -333,7 +374,7 @@ struct READ_READER : READING {
     EXPECT_TRUE(reader.read_string_parameter(nullptr, "word", nullptr, nullptr));
     reader.mark_parameter_as_validated("word");
   }
-  SBD_STRING out;
+  SBD_STRING out = "before";
   bool is_defined = false;
   bool has_value = false;
 };
@@ -425,6 +466,19 @@ const OPERATION<READ_CHIP> k_chip[] = {
 TEST(CHIP_EXHAUSTION, AnswersFalse) {
   expect_all_to_survive(k_chip_reading);
   expect_all_to_survive(k_chip);
+}
+
+TEST(CHIP_EXHAUSTION, WhatHasNoRuleIsRequiredAndNotValid) {
+  READ_CHIP chip;
+  const SBD_STRING name(200, 'n');
+  const MESSAGE_RECORDER recorder;
+  sbd_host::fail_allocation("SBD", 1, true);
+  const bool is_required = chip.reader->is_parameter_required(name);
+  const bool is_valid = chip.reader->is_parameter_value_valid(name);
+  sbd_host::fail_allocation("SBD", 0, false);
+  EXPECT_TRUE(is_required);
+  EXPECT_FALSE(is_valid);
+  EXPECT_EQ(recorder.conditions(), std::vector<std::string>(2, "out of memory"));
 }
 
 }  // namespace

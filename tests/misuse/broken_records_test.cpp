@@ -345,7 +345,8 @@ TEST(BROKEN_DEVICE, ParametersOfBrokenRecordsHaveNoValue) {
   SBD_VELDRAN device("d");
   constexpr char k_text[] =
       "device d { family = veldran_arm; type = qmxa1; module s { type = veldran_stripe; endian = "
-      "little; boot_from_flash = true; } module other { x = 1; } } device e { x = 1; } device f { x = "
+      "little; boot_from_flash = true; } module other { x = 1; } } device e { x = 1; } device f { "
+      "x = "
       "1; }";
   (void)device.read_text(k_text, sizeof k_text - 1, "f");
   ASSERT_NE(device.get_parameter_reader(), nullptr);

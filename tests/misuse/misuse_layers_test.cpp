@@ -1,6 +1,7 @@
 // What callers do wrong with the parser, with documents that keep the text, and with devices.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -380,6 +381,13 @@ TEST(MISUSED_RULES, AnyValueMayHaveExceptions) {
   rule.value_rule = &values;
   EXPECT_EQ(in_english<SBD_PARAMETER_RULE>(sbd_get_values_text, rule),
             "any value; 1 to 5 when a.b is true");
+}
+
+TEST(MISUSED_RULES, NumbersOfEveryLengthAreTold) {
+  constexpr unsigned long k_highest = std::numeric_limits<unsigned long>::max();
+  const SBD_VALUE_SET range{SBD_VALUE_SET::VS_RANGE, 0, k_highest, nullptr, nullptr, 0};
+  EXPECT_EQ(in_english<SBD_VALUE_SET>(sbd_get_values_text, range),
+            "0 to " + std::to_string(k_highest));
 }
 
 TEST(MISUSED_VALUES, AssignmentToItselfChangesNothing) {

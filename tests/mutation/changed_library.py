@@ -85,21 +85,30 @@ class CHANGED_LIBRARY:
         self.include = folder / "include"
         (folder / "lib").mkdir(parents=True, exist_ok=True)
 
-    def make(self, file, source):
-        """False when the change is none that compiles."""
+    def make(self, file, source, users=None):
+        """Compiles all that the changed file is part of, or only some users of it; false when the
+        change is none that compiles."""
         changed = self.include / file
         changed.parent.mkdir(parents=True, exist_ok=True)
         changed.write_text(source)
         try:
-            objects = {}
-            for user in users_of(file, self.compiler.texts) & self.compiler.commands.keys():
-                objects[user] = self.folder / (Path(user).name + ".o")
-                origin = changed if user == file else ROOT / user
-                if not self.compiler.compile(user, origin, self.include, objects[user]):
-                    return False
-            return self._link(objects)
+            users = users or self._users_of(file)
+            return self._make({user: changed if user == file else ROOT / user for user in users})
         finally:
             changed.unlink()
+
+    def make_unchanged(self, files):
+        """Compiles everything that these files are part of as it is."""
+        users = set().union(*(self._users_of(file) for file in files))
+        return self._make({user: ROOT / user for user in users})
+
+    def _users_of(self, file):
+        return users_of(file, self.compiler.texts) & self.compiler.commands.keys()
+
+    def _make(self, sources):
+        objects = {user: self.folder / (Path(user).name + ".o") for user in sources}
+        return all(self.compiler.compile(user, source, self.include, objects[user])
+                   for user, source in sources.items()) and self._link(objects)
 
     def _link(self, objects):
         """The changed objects first: of what all have, their form with the checks is taken."""

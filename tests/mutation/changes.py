@@ -92,9 +92,9 @@ def keywords():
     return sorted(set(re.findall(r"constexpr char (\w+)\[\]", text)))
 
 
-def is_template_sign(source, at):
-    """A "<" or ">" with no blank on both sides belongs to template arguments."""
-    return not (source[at - 1] == " " and source[at + 1 : at + 2] in (" ", "\n"))
+def is_operator(source, begin, end):
+    """What has no blank on both sides belongs to a type: to template arguments, or a reference."""
+    return source[begin - 1] == " " and source[end] in " \n"
 
 
 def other_keyword(word, all_keywords):
@@ -110,7 +110,7 @@ def changed_numbers(number):
     digits = number.rstrip("uUlL")
     suffix = number[len(digits) :]
     if "." in digits:
-        return [f"{float(digits) + 1}"]
+        return [f"{2 * float(digits) + 1}{suffix}"]
     value = int(digits, 0)
     return [f"{value + 1}{suffix}"] + ([f"{value - 1}{suffix}"] if value > 0 else [])
 
@@ -149,8 +149,7 @@ def changes_of(file):
         elif kind == "word" and old in all_keywords and has_keywords:
             new = [other_keyword(old, all_keywords)]
         elif kind == "sign" and old in SWAPPED_SIGNS:
-            if old not in "<>" or not is_template_sign(source, at):
-                new = SWAPPED_SIGNS[old]
+            new = SWAPPED_SIGNS[old] if is_operator(source, at, match.end()) else []
         # Where a constant of the table is defined, its own name stays.
         if new and kind == "word" and re.match(r"\s*(\[\])?\s*=", source[match.end() :]):
             continue

@@ -26,6 +26,14 @@ PROGRAMS = [
     "exhaustion_test",
     "misuse_test",
 ]
+# Headers of constants that many files use: some cases see all that is in them through one file.
+# When these notice a change, the other files need not be compiled.
+VIEWS = {
+    "sbd/device/sbd_veldran_keyword_texts.h":
+        ("sbd/device/sbd_veldran_keywords.cpp", "rules_query_test", "KEYWORD_CONSTANTS.*"),
+    "sbd/diagnostics/sbd_messages.h":
+        ("sbd/diagnostics/msg_sbd.cpp", "message_catalogue_test", "*"),
+}
 MOST_NEIGHBOURS = 4
 QUICK_CASE = 20  # Milliseconds.
 CASE_TIME = re.compile(r"^\[ +OK \] ([\w/.]+).*\((\d+) ms\)$", re.M)
@@ -57,6 +65,16 @@ class TESTS:
                     sys.exit(f"{program} fails without any change")
                 self.stages.append(stage._replace(seconds=time.monotonic() - begin))
         self.stages.sort(key=lambda stage: stage.seconds)
+
+    def noticing_at_once(self, change, library):
+        """The same as `noticing`, of what one file shows; the library is made here."""
+        if change.file not in VIEWS:
+            return None
+        user, program, cases = VIEWS[change.file]
+        if not library.make(change.file, change.source(), [user]):
+            return None
+        failing = self._failing(STAGE(program, cases, 1), library)
+        return f"{failing.program} {failing.cases}" if failing else None
 
     def noticing(self, change, library):
         """What notices the change, as a program and its cases; null if nothing does."""
