@@ -438,10 +438,10 @@ TEST_F(PARAMETER_READER, OnlyLettersHaveACase) {
 }
 
 TEST_F(PARAMETER_READER, ParameterNameMustNotBeNull) {
-  m_reader.read_bool_parameter("sdram", nullptr, nullptr, nullptr);
-  m_reader.read_dword_parameter("sdram", nullptr, nullptr, nullptr);
-  m_reader.read_double_parameter("sdram", nullptr, nullptr, nullptr);
-  m_reader.read_string_parameter("sdram", nullptr, nullptr, nullptr);
+  EXPECT_FALSE(m_reader.read_bool_parameter("sdram", nullptr, nullptr, nullptr));
+  EXPECT_FALSE(m_reader.read_dword_parameter("sdram", nullptr, nullptr, nullptr));
+  EXPECT_FALSE(m_reader.read_double_parameter("sdram", nullptr, nullptr, nullptr));
+  EXPECT_FALSE(m_reader.read_string_parameter("sdram", nullptr, nullptr, nullptr));
   // What else is reported on the way is not laid down.
   TEXTS conditions;
   for (const std::string& condition : m_recorder.conditions()) {

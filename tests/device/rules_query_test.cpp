@@ -460,6 +460,8 @@ TEST_P(TOLD_RULES, ParametersAreAsInTheTables) {
       EXPECT_EQ(told(rule.present_block_default), told_default(row, true)) << name;
       EXPECT_EQ(told(rule.absent_block_default), told_default(row, false)) << name;
       EXPECT_EQ(rule.present_block_default.m_value_type, rule.type) << name;
+      EXPECT_FALSE(rule.present_block_default.m_is_defined) << name;
+      EXPECT_FALSE(rule.absent_block_default.m_is_defined) << name;
       EXPECT_EQ(rule.absent_block_default.m_value_type, rule.type) << name;
       const REQUIREMENT_RULE* const requirement = find_requirement_rule(name);
       EXPECT_EQ(rule.condition ? told(*rule.condition) : "", requirement ? told(*requirement) : "")

@@ -305,4 +305,13 @@ TEST(MESSAGE_EXHAUSTION, MessagesAreNull) {
   expect_all_to_survive(k_messages);
 }
 
+TEST(MESSAGE_EXHAUSTION, InternalErrorNamesTheSource) {
+  const MESSAGE_RECORDER recorder;
+  sbd_host::fail_allocation("SBD", 1, true);
+  EXPECT_EQ(MSG_SBD::E::SBD_NO_DEVICE_BLOCK_ERROR(), nullptr);
+  sbd_host::fail_allocation("SBD", 0, false);
+  ASSERT_EQ(recorder.internal_errors().size(), 1U);
+  EXPECT_EQ(recorder.internal_errors()[0].source, "msg_sbd");
+}
+
 }  // namespace
