@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "sbd/reading/sbd_room.h"
+
 class SBD_TEXT_OUT {
  public:
   explicit SBD_TEXT_OUT(std::FILE* stream) : m_stream(stream) {}
@@ -16,7 +18,7 @@ class SBD_TEXT_OUT {
 
   void put(char c) {
     if (m_used == k_size) flush();
-    m_buffer[m_used++] = c;
+    m_buffer.items[m_used++] = c;
   }
   void put(const char* text) { put(text, std::strlen(text)); }
   void put(const char* text, std::size_t length) {
@@ -27,14 +29,14 @@ class SBD_TEXT_OUT {
         return;
       }
     }
-    std::memcpy(m_buffer + m_used, text, length);
+    std::memcpy(m_buffer.items + m_used, text, length);
     m_used += length;
   }
   void put_blanks(std::size_t count) {
     while (count != 0) {
       if (m_used == k_size) flush();
       const std::size_t piece = std::min(count, k_size - m_used);
-      std::memset(m_buffer + m_used, ' ', piece);
+      std::memset(m_buffer.items + m_used, ' ', piece);
       m_used += piece;
       count -= piece;
     }
@@ -45,13 +47,13 @@ class SBD_TEXT_OUT {
 
   // Errors of the stream are the caller's to look for.
   void flush() {
-    (void)std::fwrite(m_buffer, 1, m_used, m_stream);
+    (void)std::fwrite(m_buffer.items, 1, m_used, m_stream);
     m_used = 0;
   }
 
   std::FILE* m_stream;
   std::size_t m_used = 0;
-  char m_buffer[k_size];
+  SBD_ROOM<char, k_size> m_buffer;
 };
 
 #endif

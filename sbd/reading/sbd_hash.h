@@ -3,7 +3,6 @@
 #define SBD_READING_SBD_HASH_H
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -136,11 +135,10 @@ inline std::uint64_t sbd_hash_name(std::string_view name, std::uint64_t seed = k
 // The same for a name behind which a step can be read, whatever stands there.
 inline std::uint64_t sbd_hash_padded_name(std::string_view name) {
   // Read from the middle on minus a count, it leaves so many bytes.
-  static constexpr auto k_masks = [] {
-    std::array<unsigned char, 2 * k_hash_step> masks{};
-    for (std::size_t i = 0; i != k_hash_step; ++i) masks[i] = 0xFF;
-    return masks;
-  }();
+  static constexpr unsigned char k_masks[2 * k_hash_step] = {
+      0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+      0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+  };
   std::uint64_t hash = k_hash_seed.value ^ name.size();
   for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
     const char* const step = name.data() + done;

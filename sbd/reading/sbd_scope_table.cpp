@@ -50,11 +50,12 @@ SBD_SCOPE_HASH* SBD_SCOPE_HASH::make(std::size_t count, SBD_POOL& pool) {
 
 SBD_SYMBOL** SBD_SCOPE_HASH::find_slot(std::uint32_t hash, std::uint16_t tag,
                                        std::string_view name) {
-  for (auto index = static_cast<std::size_t>((std::uint64_t{hash} * m_capacity) >> 32);;
-       index = index + 1 == m_capacity ? 0 : index + 1) {
+  auto index = static_cast<std::size_t>((static_cast<std::uint64_t>(hash) * m_capacity) >> 32);
+  while (true) {
     SBD_SYMBOL* const symbol = m_slots[index];
     if (symbol == nullptr) return &m_slots[index];
     if (symbol->m_tag == tag && sbd_has_name(symbol->name, name)) return &m_slots[index];
+    index = index + 1 == m_capacity ? 0 : index + 1;
   }
 }
 

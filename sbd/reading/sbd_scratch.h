@@ -7,6 +7,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "sbd/reading/sbd_room.h"
 #include "sbd/sbd_memory.h"
 
 template <class T, std::size_t INLINE_COUNT>
@@ -47,7 +48,7 @@ class SBD_SCRATCH {
   }
 
  private:
-  T* inline_items() { return reinterpret_cast<T*>(m_inline); }
+  T* inline_items() { return m_inline.items; }
 
   std::size_t capacity() const { return static_cast<std::size_t>(m_limit - m_items); }
 
@@ -62,7 +63,7 @@ class SBD_SCRATCH {
     m_limit = items + new_capacity;
   }
 
-  alignas(T) unsigned char m_inline[INLINE_COUNT * sizeof(T)];
+  SBD_ROOM<T, INLINE_COUNT> m_inline;
   T* m_items = inline_items();
   T* m_end = m_items;                   // Behind the last item,
   T* m_limit = m_items + INLINE_COUNT;  // and behind the room for more.

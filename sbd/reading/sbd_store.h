@@ -75,7 +75,9 @@ class SBD_STORE {
   // lost.
   char* copy_free_text(std::string_view text) {
     char* const copied = copy(text);
-    if (sbd_has_nul(text.data(), text.size())) std::replace(copied, copied + text.size(), '\0', ' ');
+    if (sbd_has_nul(text.data(), text.size())) {
+      std::replace(copied, copied + text.size(), '\0', ' ');
+    }
     return copied;
   }
   // As SBD_VALUE_LIST::push_back, but throws what the host's memory manager throws.
