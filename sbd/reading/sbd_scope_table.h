@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "sbd/reading/sbd_chars.h"
@@ -73,12 +74,20 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
   static std::intptr_t address_of(const void* place) {
     return reinterpret_cast<std::intptr_t>(place);
   }
+  // What lies at an address: nothing is known of it but the number.
+  template <class T>
+  static T* place_of(std::intptr_t address) {
+    T* place = nullptr;
+    static_assert(sizeof place == sizeof address, "an address is a number");
+    std::memcpy(&place, &address, sizeof place);
+    return place;
+  }
   TAG* tags() { return reinterpret_cast<TAG*>(this) + 1; }
   const TAG* tags() const { return const_cast<SBD_SCOPE_LIST*>(this)->tags(); }
   PLACE* places() { return reinterpret_cast<PLACE*>(this) + listed / 2 + 1; }
   const PLACE* places() const { return const_cast<SBD_SCOPE_LIST*>(this)->places(); }
   SBD_SYMBOL* symbol_of(std::size_t index) const {
-    return reinterpret_cast<SBD_SYMBOL*>(address_of(this) + places()[index] * k_unit);
+    return place_of<SBD_SYMBOL>(address_of(this) + places()[index] * k_unit);
   }
 
   // The reader puts a symbol behind its node, and the table of a block's members behind both: all
@@ -87,7 +96,7 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
 #if defined(__GNUC__)
     constexpr std::intptr_t k_line = 64;
     for (std::intptr_t line = -1; line != 4; ++line) {
-      __builtin_prefetch(reinterpret_cast<const void*>(address_of(symbol) + line * k_line));
+      __builtin_prefetch(place_of<const char>(address_of(symbol) + line * k_line));
     }
 #else
     static_cast<void>(symbol);
