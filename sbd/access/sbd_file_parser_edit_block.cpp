@@ -165,8 +165,9 @@ void SBD_FILE_PARSER::delete_reference(const char* name) {
 void SBD_FILE_PARSER::delete_reference(const SBD_NODE* target, SBD_NODE* first) {
   if (m_store == nullptr || target == nullptr || first == nullptr) return;
   sbd_guarded(k_source_file_parser, false, [this, target, first] {
-    if (first == m_parser_para.root && !SBD_LOOKUP::is_referenced(*this, target, first))
+    if (first == m_parser_para.root && !SBD_LOOKUP::is_referenced(*this, target, first)) {
       return true;
+    }
     // Statements that lose their last reference go when the walk is over, which needs them linked.
     SBD_SCRATCH<SBD_NODE*, 16> emptied;
     SBD_TREE_WALK walk(first);

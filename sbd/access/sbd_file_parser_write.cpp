@@ -7,6 +7,7 @@
 #include "sbd/access/sbd_text_out.h"
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/diagnostics/sbd_messages.h"
+#include "sbd/reading/sbd_address.h"
 #include "sbd/reading/sbd_low_bits.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/sbd_file_parser.h"
@@ -223,17 +224,9 @@ bool write_node(SBD_TEXT_OUT& out, const SBD_NODE& node, unsigned long blanks) {
 // The reader's records lie in file order: what comes a page later is fetched while this node is
 // being written.
 void prefetch_behind(const SBD_NODE* node) {
-#if defined(__GNUC__)
-  constexpr std::uintptr_t k_distance = 4096;
-  constexpr std::uintptr_t k_line = 64;
-  constexpr std::uintptr_t k_lines = 3;  // As many as the records of a parameter take.
-  const std::uintptr_t begin = reinterpret_cast<std::uintptr_t>(node) + k_distance;
-  for (std::uintptr_t line = 0; line != k_lines; ++line) {
-    __builtin_prefetch(reinterpret_cast<const void*>(begin + line * k_line));
-  }
-#else
-  static_cast<void>(node);
-#endif
+  constexpr std::intptr_t k_lines_per_page = 64;
+  constexpr std::intptr_t k_lines = 3;  // As many as the records of a parameter take.
+  sbd_prefetch(node, k_lines_per_page, k_lines);
 }
 
 void write_nodes(SBD_TEXT_OUT& out, const SBD_NODE* first, unsigned long indent) {

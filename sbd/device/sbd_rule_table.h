@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "sbd/reading/sbd_wraps.h"
+
 // ROW has a member `reference`. Of several rows for one reference the first counts.
 template <class ROW, std::size_t COUNT>
 class SBD_RULE_TABLE {
@@ -48,7 +50,7 @@ class SBD_RULE_TABLE {
   }
 
   // Of its beginning, its middle and its end; what else tells references apart is compared.
-  static constexpr std::size_t hash_of(std::string_view reference) {
+  SBD_WRAPS static constexpr std::size_t hash_of(std::string_view reference) {
     constexpr std::uint64_t k_multiplier_1 = 0x9E3779B97F4A7C15U;
     constexpr std::uint64_t k_multiplier_2 = 0xC2B2AE3D27D4EB4FU;
     constexpr unsigned k_upper_bits = 32;

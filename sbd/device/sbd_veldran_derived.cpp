@@ -44,7 +44,8 @@ bool get_pll_output(const SBD_VELDRAN& device, const PLL& pll, std::uint32_t inp
     return false;
   }
   // The product of the two dividers is one of 32 bits.
-  output = divide(static_cast<long double>(input) * static_cast<long double>(m), n * k);
+  output = divide(static_cast<long double>(input) * static_cast<long double>(m),
+                  static_cast<std::uint32_t>(std::uint64_t{n} * k));
   return true;
 }
 

@@ -10,10 +10,11 @@
 
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_run.h"
+#include "sbd/reading/sbd_wraps.h"
 
 // One step of the PJW hash over a lower-case character; bytes above 0x7f count as negative. What is
 // shifted out of the 28 bits of the hash is felt in bits 4 to 7, and otherwise to be ignored.
-inline std::uint32_t sbd_hash_pjw_step(std::uint32_t hash, char c) {
+SBD_WRAPS inline std::uint32_t sbd_hash_pjw_step(std::uint32_t hash, char c) {
   hash = (hash << 4) +
          static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
   return hash ^ ((hash >> 24) & 0xF0U);
@@ -73,7 +74,7 @@ struct SBD_HASH_SEED {
 extern const SBD_HASH_SEED k_hash_seed;
 
 // Mixes eight bytes into a hash.
-inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
+SBD_WRAPS inline std::uint64_t sbd_hash_mix(std::uint64_t hash, std::uint64_t bytes) {
   constexpr std::uint64_t k_multiplier_1 = 0x9E3779B97F4A7C15U;
   constexpr std::uint64_t k_multiplier_2 = 0xC2B2AE3D27D4EB4FU;
   hash = (hash ^ bytes) * k_multiplier_1;

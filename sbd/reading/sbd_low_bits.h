@@ -17,7 +17,7 @@ inline std::uint32_t sbd_low_bits(long double number) {
   const long double whole = std::trunc(number);
   if (!(whole > -k_two_to_64 && whole < k_two_to_64)) return 0;
   const auto magnitude = static_cast<std::uint64_t>(std::fabs(whole));
-  return static_cast<std::uint32_t>(whole < 0 ? 0 - magnitude : magnitude);
+  return static_cast<std::uint32_t>(whole < 0 ? ~magnitude + 1 : magnitude);
 }
 
 #endif

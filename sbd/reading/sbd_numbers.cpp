@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "sbd/reading/sbd_chars.h"
+#include "sbd/reading/sbd_wraps.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ constexpr std::uint64_t in_all_bytes(std::uint64_t byte) {
 }
 
 // The last of the eight digits that `digits` would be with leading zeros lies in the highest byte.
-std::uint64_t align_digits(std::uint64_t digits, std::size_t count) {
+SBD_WRAPS std::uint64_t align_digits(std::uint64_t digits, std::size_t count) {
   return digits << (8 * (k_digits_at_once - count));
 }
 
@@ -131,7 +132,7 @@ std::uint32_t sbd_convert_hexadecimal(std::string_view digits) noexcept {
   return convert<16>(digits, k_largest_unsigned);
 }
 
-std::uint32_t sbd_convert_padded_decimal(std::string_view digits) noexcept {
+SBD_WRAPS std::uint32_t sbd_convert_padded_decimal(std::string_view digits) noexcept {
   if (!fits_at_once(digits) || digits.front() == '+') return sbd_convert_decimal(digits);
   const std::uint64_t values = load_eight(digits) - in_all_bytes('0');
   return join_decimal_digits(align_digits(values, digits.size()));
@@ -146,7 +147,7 @@ std::uint32_t sbd_convert_padded_hexadecimal(std::string_view digits) noexcept {
   return join_hexadecimal_digits(align_digits(values, digits.size()));
 }
 
-std::uint32_t sbd_convert_binary(std::string_view digits) noexcept {
+SBD_WRAPS std::uint32_t sbd_convert_binary(std::string_view digits) noexcept {
   std::uint32_t number = 0;
   for (const char c : digits) number = number * 2 + digit_value(c);
   return number;

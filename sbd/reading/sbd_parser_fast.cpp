@@ -28,7 +28,7 @@ enum class WORD { IDENTIFIER, TRUE, FALSE };
 
 inline WORD kind_of(std::string_view word) {
   // Only words of 4 and 5 letters need a look.
-  if (word.size() - 4 > 1) return WORD::IDENTIFIER;
+  if (word.size() != 4 && word.size() != 5) return WORD::IDENTIFIER;
   if (word == "true" || word == "TRUE" || word == "True") return WORD::TRUE;
   if (word == "false" || word == "FALSE" || word == "False") return WORD::FALSE;
   return WORD::IDENTIFIER;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "sbd/reading/sbd_address.h"
 #include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_scope_table.h"
@@ -20,24 +21,6 @@ constexpr std::uint32_t k_no_path = std::numeric_limits<std::uint32_t>::max();
 // Of the path of an object's block and its own name: two hashes that need not wait for each other.
 std::uint64_t join_hashes(std::uint64_t path, std::uint64_t name) {
   return sbd_hash_mix(path, name);
-}
-
-void prefetch(const void* place) {
-#if defined(__GNUC__)
-  __builtin_prefetch(place);
-#else
-  static_cast<void>(place);
-#endif
-}
-
-// The reader puts an object's symbol behind its node, and a value in front of it: all that is
-// needed next, to be fetched at once and not one after the other.
-void prefetch_around(const SBD_NODE* node) {
-  constexpr std::intptr_t k_line = 64;
-  const auto place = reinterpret_cast<std::intptr_t>(node);
-  for (std::intptr_t line = -1; line != 2; ++line) {
-    prefetch(reinterpret_cast<const void*>(place + line * k_line));
-  }
 }
 
 std::size_t find_last_dot(std::string_view name) {
@@ -122,9 +105,10 @@ SBD_NODE* SBD_PATH_INDEX::find(std::string_view name) const {
   for (; m_slots[slot].node != nullptr; slot = slot + 1 == m_slots.size() ? 0 : slot + 1) {
     const ENTRY& entry = m_slots[slot];
     if (entry.hash != static_cast<std::uint32_t>(hash)) continue;
-    // All that is needed next, to be fetched at once and not one after the other.
-    prefetch(entry.name);
-    prefetch_around(entry.node);
+    // All that is needed next, to be fetched at once and not one after the other. The reader puts
+    // an object's symbol behind its node, and a value in front of it.
+    sbd_prefetch(entry.name, 0, 1);
+    sbd_prefetch(entry.node, -1, 3);
     if (is_same_path(path_at(entry.path), path) && sbd_has_name(entry.name, own_name)) {
       return entry.node;
     }

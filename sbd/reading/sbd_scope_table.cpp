@@ -1,6 +1,7 @@
 #include "sbd/reading/sbd_scope_table.h"
 
 #include "sbd/reading/sbd_hash.h"
+#include "sbd/reading/sbd_wraps.h"
 
 using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 
@@ -11,20 +12,20 @@ const SBD_SYMBOL k_removed;
 
 }  // namespace
 
-SBD_SCOPE_LIST* SBD_SCOPE_LIST::make(const SBD_OPEN_MEMBER* first, std::size_t count,
-                                     SBD_POOL& pool) {
+SBD_WRAPS SBD_SCOPE_LIST* SBD_SCOPE_LIST::make(const SBD_OPEN_MEMBER* first, std::size_t count,
+                                               SBD_POOL& pool) {
   // The number of members and the tags fill up whole places.
   const std::size_t places = count / 2 + 1 + count;
   auto* const list = static_cast<SBD_SCOPE_LIST*>(pool.take(places * sizeof(PLACE)));
   list->listed = static_cast<std::uint16_t>(count);
   TAG* const tags = list->tags();
   PLACE* const list_places = list->places();
-  const std::intptr_t here = address_of(list);
+  const std::intptr_t here = sbd_address_of(list);
   // Whether any distance is more than places can tell, in either direction.
   constexpr std::uint64_t k_reach = std::uint64_t{k_unit} << 31;
   std::uint64_t far_bits = 0;
   for (std::size_t i = 0; i != count; ++i) {
-    const auto distance = static_cast<std::uint64_t>(address_of(first[i].symbol) - here);
+    const auto distance = static_cast<std::uint64_t>(sbd_address_of(first[i].symbol) - here);
     far_bits |= distance + k_reach;
     tags[i] = first[i].tag;
     list_places[i] = static_cast<PLACE>(static_cast<std::uint32_t>(distance / k_unit));

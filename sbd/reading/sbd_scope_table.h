@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 
+#include "sbd/reading/sbd_address.h"
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_pool.h"
 #include "sbd/reading/sbd_run.h"
@@ -54,7 +54,9 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
       for (unsigned same = find_tag(begin, tag); same != 0; same &= same - 1) {
         const std::size_t index = begin + sbd_first_clear_bit(~same) / k_bits_per_tag;
         SBD_SYMBOL* const symbol = symbol_of(index);
-        prefetch_around(symbol);
+        // The reader puts a symbol behind its node, and the table of a block's members behind both:
+        // all that a longer name needs next, to be fetched at once and not one after the other.
+        sbd_prefetch(symbol, -1, 5);
         if (sbd_has_name(symbol->name, name)) return symbol;
       }
     }
@@ -71,36 +73,12 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
   static constexpr std::size_t k_bits_per_tag = sizeof(TAG);
   static constexpr std::intptr_t k_unit = alignof(SBD_SYMBOL);
 
-  static std::intptr_t address_of(const void* place) {
-    return reinterpret_cast<std::intptr_t>(place);
-  }
-  // What lies at an address: nothing is known of it but the number.
-  template <class T>
-  static T* place_of(std::intptr_t address) {
-    T* place = nullptr;
-    static_assert(sizeof place == sizeof address, "an address is a number");
-    std::memcpy(&place, &address, sizeof place);
-    return place;
-  }
   TAG* tags() { return reinterpret_cast<TAG*>(this) + 1; }
   const TAG* tags() const { return const_cast<SBD_SCOPE_LIST*>(this)->tags(); }
   PLACE* places() { return reinterpret_cast<PLACE*>(this) + listed / 2 + 1; }
   const PLACE* places() const { return const_cast<SBD_SCOPE_LIST*>(this)->places(); }
   SBD_SYMBOL* symbol_of(std::size_t index) const {
-    return place_of<SBD_SYMBOL>(address_of(this) + places()[index] * k_unit);
-  }
-
-  // The reader puts a symbol behind its node, and the table of a block's members behind both: all
-  // that a longer name needs next, to be fetched at once and not one after the other.
-  static void prefetch_around(const SBD_SYMBOL* symbol) {
-#if defined(__GNUC__)
-    constexpr std::intptr_t k_line = 64;
-    for (std::intptr_t line = -1; line != 4; ++line) {
-      __builtin_prefetch(place_of<const char>(address_of(symbol) + line * k_line));
-    }
-#else
-    static_cast<void>(symbol);
-#endif
+    return sbd_place_at<SBD_SYMBOL>(sbd_address_of(this) + places()[index] * k_unit);
   }
 
   // Which of the tags from `begin` on, as many as a step has, are that one: the lowest of

@@ -359,7 +359,8 @@ SBD_VECTOR<SBD_SOURCE_EDITOR::RENAMED_REFERENCE> SBD_SOURCE_EDITOR::find_renamed
     length = full_name.rfind('.', length - 1);
     scopes.push_back({inner, length});
   }
-  const std::size_t old_name = full_name.rfind('.') + 1;  // 0 at the top level.
+  const std::size_t last_dot = full_name.rfind('.');
+  const std::size_t old_name = last_dot == SBD_STRING::npos ? 0 : last_dot + 1;
 
   SBD_VECTOR<RENAMED_REFERENCE> renamed;
   SBD_TREE_WALK walk(m_document.get_parser_para().root);

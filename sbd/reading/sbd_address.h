@@ -1,0 +1,36 @@
+// Places in memory as numbers: what is reckoned with pointers must not leave a piece of memory.
+#ifndef SBD_READING_SBD_ADDRESS_H
+#define SBD_READING_SBD_ADDRESS_H
+
+#include <cstdint>
+#include <cstring>
+
+inline std::intptr_t sbd_address_of(const void* place) {
+  return reinterpret_cast<std::intptr_t>(place);
+}
+
+// What lies at an address: nothing is known of it but the number.
+template <class T>
+T* sbd_place_at(std::intptr_t address) {
+  T* place = nullptr;
+  static_assert(sizeof place == sizeof address, "an address is a number");
+  std::memcpy(&place, &address, sizeof place);
+  return place;
+}
+
+// Lets the machine fetch so many lines of its cache, of which the first one lies `first_line` lines
+// behind a place.
+inline void sbd_prefetch(const void* place, std::intptr_t first_line, std::intptr_t count) {
+#if defined(__GNUC__)
+  constexpr std::intptr_t k_line = 64;
+  for (std::intptr_t line = first_line; line != first_line + count; ++line) {
+    __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + line * k_line));
+  }
+#else
+  static_cast<void>(place);
+  static_cast<void>(first_line);
+  static_cast<void>(count);
+#endif
+}
+
+#endif
