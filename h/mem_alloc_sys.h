@@ -47,7 +47,7 @@ class MEM_STL_ALLOCATOR {
   MEM_STL_ALLOCATOR() noexcept = default;
   template <class OTHER>
   MEM_STL_ALLOCATOR(const MEM_STL_ALLOCATOR<OTHER, MODULE>&)
-  noexcept {}  // NOLINT: converts
+  noexcept {}
 
   T* allocate(std::size_t count) {
     // More than there can be is asked for as the largest size, which the manager refuses: it throws

@@ -44,8 +44,7 @@ class SBD_PARAMETER_ALLOCATOR {
   explicit SBD_PARAMETER_ALLOCATOR(SBD_POOL* pool) noexcept : m_pool(pool) {}
   template <class OTHER>
   SBD_PARAMETER_ALLOCATOR(const SBD_PARAMETER_ALLOCATOR<OTHER>& other)
-  noexcept  // NOLINT: converts
-      : m_pool(other.pool()) {}
+  noexcept : m_pool(other.pool()) {}
 
   T* allocate(std::size_t count) {
     return static_cast<T*>(sbd_take_parameter_memory(m_pool, count * sizeof(T)));

@@ -3,7 +3,7 @@
 #include "sbd/source/sbd_safe_save.h"
 
 #include <fcntl.h>
-#include <signal.h>  // NOLINT: the standard header lacks masks
+#include <signal.h>  // Not <csignal>, which has no masks.
 #include <sys/stat.h>
 #include <unistd.h>
 
