@@ -62,6 +62,14 @@ TEST_F(SOURCE_BLOCK, IndentationIsNotTakenFromTheMiddleOfALine) {
   expect_text("device d {\n  module m { a = 1; b = 2;\n    c = 3;\n  }\n}\n");
 }
 
+TEST_F(SOURCE_BLOCK, AnEmptiedBlockIsFilled) {
+  read("device d {\n  module m {\n    a = 1;\n  }\n}\n");
+  EXPECT_TRUE(source.remove_parameter("d.m.a"));
+  EXPECT_EQ(text(), "device d {\n  module m {\n  }\n}\n");
+  EXPECT_TRUE(source.set_value("d.m.b", "2"));
+  expect_text("device d {\n  module m {\n    b = 2;\n  }\n}\n");
+}
+
 TEST_F(SOURCE_BLOCK, AnEmptyTextIsFilled) {
   EXPECT_TRUE(source.add_block("device", "d", nullptr));
   EXPECT_EQ(fault(), "'d': A block must have members.");
