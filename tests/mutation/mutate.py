@@ -29,8 +29,10 @@ MOST_MEMORY = 4 << 30  # Of a test; a change may lead to an endless list.
 
 
 def known_equivalents(files):
+    """Those of some files, or all of them."""
     lines = Path(__file__).with_name("equivalent.txt").read_text().splitlines()
-    return [line for line in lines if line.split(" | ")[0] in files]
+    names = [line for line in lines if line and not line.startswith("#")]
+    return [name for name in names if not files or name.split(" | ")[0] in files]
 
 
 def read_results(path):
@@ -61,7 +63,8 @@ def report(results, names, equivalents):
     if counted:
         print(f"score {100 * total['killed'] / counted:.1f} %, of {counted} changes; "
               f"{len(names)} are possible")
-    print(*wrong, sep="\n")
+    for line in wrong:
+        print(line)
     return not wrong
 
 
@@ -111,13 +114,12 @@ def main():
     parser.add_argument("--jobs", type=int, default=1, help="try so many changes at a time")
     parser.add_argument("--report", action="store_true", help="only tell what is known")
     parser.add_argument("files", nargs="*", metavar="FILE")
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
     resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
-    files = options.files or FILES
-    changes = [change for file in files for change in changes_of(file)]
-    equivalents = known_equivalents(files)
+    changes = [change for file in options.files or FILES for change in changes_of(file)]
+    equivalents = known_equivalents(options.files)
     results_file = options.build.resolve() / "mutation" / "results.jsonl"
     results = read_results(results_file)
 
@@ -132,7 +134,7 @@ def main():
         compiler = COMPILER(options.build.resolve())
         for result in try_all(waiting[: options.most], options.jobs, compiler, results_file):
             results[result["name"]] = result
-            if result["state"] == "survived":
+            if result["state"] == "survived" and result["name"] not in equivalents:
                 print("survived:", result["name"], flush=True)
     return 0 if report(results, [change.name for change in changes], equivalents) else 1
 
