@@ -281,8 +281,9 @@ double pll_output(double input, unsigned long m, unsigned long n, unsigned long 
 
 std::vector<DERIVED_VIEW> derive_clocks(const SBD_VELDRAN& device) {
   std::vector<DERIVED_VIEW> views;
-  for (const CLOCK_PATH& clock : clock_paths())
+  for (const CLOCK_PATH& clock : clock_paths()) {
     views.push_back(CLOCK_DERIVATION(device, clock).derive());
+  }
   return views;
 }
 

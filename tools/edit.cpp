@@ -65,8 +65,9 @@ std::vector<USE> find_uses(const SBD_FILE_PARSER& document, const NODE& node) {
   TREE_WALK walk(document.get_parser_para().root, TREE_WALK::EXTENT::WITH_SIBLINGS);
   while (walk.next() != TREE_WALK::STEP::END) {
     const NODE* const one = walk.node();
-    if (one->type != NODE::NT_STATEMENT || one->statement->type != STATEMENT::ST_REFERENCE)
+    if (one->type != NODE::NT_STATEMENT || one->statement->type != STATEMENT::ST_REFERENCE) {
       continue;
+    }
     if (inside.count(one) != 0) continue;
     for (const REFERENCE* reference = one->statement->reference; reference != nullptr;
          reference = reference->next) {

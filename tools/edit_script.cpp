@@ -165,8 +165,9 @@ class LINE_READER {
   bool take_member() {
     if (!take_option("--set")) return false;
     m_edit.members.push_back(split_pair(take_name("a parameter with its value")));
-    if (!m_edit.members.back().value)
+    if (!m_edit.members.back().value) {
       fail(fmt::format("{} has no value", quote(m_edit.members.back().key)));
+    }
     return true;
   }
 

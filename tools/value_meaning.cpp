@@ -40,8 +40,9 @@ std::string get_attribute_meaning(const NODE& statement) {
   for (const auto* attribute = statement.statement->attributes; attribute != nullptr;
        attribute = attribute->next) {
     attributes.emplace_back(attribute->attr_key);
-    if (attribute->attr_value != nullptr)
+    if (attribute->attr_value != nullptr) {
       attributes.back().append(" ").append(attribute->attr_value);
+    }
   }
   std::sort(attributes.begin(), attributes.end());
   std::string text;

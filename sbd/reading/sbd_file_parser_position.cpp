@@ -22,8 +22,9 @@ std::size_t skip_string(std::string_view text, std::size_t at) {
 
 constexpr std::array<bool, 256> make_item_ends() {
   std::array<bool, 256> ends{};
-  for (const char c : std::string_view(" \t\r\n=;,{}<>[]#\""))
+  for (const char c : std::string_view(" \t\r\n=;,{}<>[]#\"")) {
     ends[static_cast<unsigned char>(c)] = true;
+  }
   return ends;
 }
 constexpr std::array<bool, 256> k_item_ends = make_item_ends();

@@ -68,7 +68,7 @@ inline std::uint32_t sbd_hash_pjw_padded(std::string_view name) {
 
 // Differs from run to run, so that nobody can prepare names that collide.
 struct SBD_HASH_SEED {
-  explicit SBD_HASH_SEED(std::uint64_t seed) : value(seed) {}
+  explicit SBD_HASH_SEED(std::uint64_t seed) noexcept : value(seed) {}
   std::uint64_t value;
 };
 extern const SBD_HASH_SEED k_hash_seed;

@@ -120,8 +120,9 @@ SBD_SYMBOL* SBD_NAME_INDEX::find_unlisted(const SBD_SCOPE_TABLE* table, const SB
   for (const SBD_NODE* node = members; node != nullptr && node->m_position != 0;
        node = node->next) {
     SBD_SYMBOL* const symbol = sbd_symbol_of(node);
-    if (symbol != nullptr && symbol->m_tag == tag && sbd_has_name(symbol->name, name))
+    if (symbol != nullptr && symbol->m_tag == tag && sbd_has_name(symbol->name, name)) {
       return symbol;
+    }
   }
   return nullptr;
 }

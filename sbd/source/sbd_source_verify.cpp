@@ -102,8 +102,9 @@ class EXPRESSIBLE_CHECK {
   bool refuse(std::initializer_list<const char*> reason) {
     SBD_STRING name;
     m_why.clear();
-    if (SBD_LOOKUP::make_full_name(m_node, name))
+    if (SBD_LOOKUP::make_full_name(m_node, name)) {
       m_why = sbd_join_texts({"'", name.c_str(), "': "});
+    }
     m_why += sbd_join_texts(reason);
     return false;
   }
