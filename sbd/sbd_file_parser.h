@@ -191,9 +191,8 @@ class SBD_API SBD_FILE_PARSER {
 
   // The text of a token, as the scanner hands it to the parser.
   struct SBD_TOKEN_INFO {
-    std::uint32_t line = 0;       // The scanner's line counter when the token had been matched.
-    std::string_view text;        // The characters exactly as matched; a view, not a copy.
-    SBD_STORE* origin = nullptr;  // The document that is being read; null for a caller's token.
+    std::uint32_t line = 0;  // The scanner's line counter when the token had been matched.
+    std::string_view text;   // The characters exactly as matched; a view, not a copy.
   };
 
   // The bucket heads of all declared names. A bucket's chain runs from the symbol entered last to

@@ -95,8 +95,8 @@ class SBD_API sbd_yyFlexLexer : public FlexLexer {
   // The start conditions: which tokens are recognised, and what a "#" is.
   enum START_CONDITION : int { NORMAL = 0, TAIL = 1, UNIT = 2 };
 
-  // Scans `length` bytes. `origin` is the document that reads them and keeps them, or null.
-  sbd_yyFlexLexer(const char* text, std::size_t length, SBD_STORE* origin = nullptr);
+  // Scans `length` bytes.
+  sbd_yyFlexLexer(const char* text, std::size_t length);
 
   // Scans the next token. An unexpected character is reported to the parser's error routine and
   // skipped. Returns 0 at the end of the input.
@@ -109,11 +109,9 @@ class SBD_API sbd_yyFlexLexer : public FlexLexer {
   void begin(START_CONDITION condition) { m_condition = condition; }  // Changes it.
 
   std::string_view input() const { return m_input; }  // The whole text.
-  SBD_STORE* origin() const { return m_origin; }      // As given; null for no document.
 
  private:
   std::string_view m_input;
-  SBD_STORE* m_origin;
   SBD_FILE_PARSER::SBD_PARSER_PARA* m_para = nullptr;
   START_CONDITION m_condition = NORMAL;
 };

@@ -128,7 +128,7 @@ bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* 
 
   const bool is_good = sbd_guarded(k_source_file_parser, false, [this] {
     const std::string_view text = m_store->source.text();
-    sbd_yyFlexLexer scanner(text.data(), text.size(), m_store);
+    sbd_yyFlexLexer scanner(text.data(), text.size());
     scanner.set_file_name(m_file_name);
     m_store->facts.gives_parents = true;
     const int result = sbd_yyparse(&scanner, &m_parser_para);

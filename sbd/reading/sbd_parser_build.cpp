@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <utility>
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_numbers.h"
@@ -32,64 +31,17 @@ auto build(const BODY& body) -> decltype(body()) {
   return sbd_guarded(k_source_parser, decltype(body())(nullptr), body);
 }
 
-// Whether a token is a caller's; what is made of a document's lies in its memory.
-bool is_foreign(const SBD_TOKEN_INFO* token) {
-  return token == nullptr || token->origin == nullptr;
-}
-
-// A record that belongs to where the token comes from. Freed again unless it is kept.
-template <class T>
-class NEW_RECORD {
- public:
-  explicit NEW_RECORD(const SBD_TOKEN_INFO* token)
-      : m_is_foreign(is_foreign(token)),
-        m_record(m_is_foreign ? new T : token->origin->template make<T>()) {}
-  ~NEW_RECORD() {
-    if (m_is_foreign) delete m_record;
-  }
-  NEW_RECORD(const NEW_RECORD&) = delete;
-  NEW_RECORD& operator=(const NEW_RECORD&) = delete;
-
-  T* operator->() const { return m_record; }
-  T* get() const { return m_record; }
-  T* keep() { return std::exchange(m_record, nullptr); }
-
- private:
-  const bool m_is_foreign;
-  T* m_record;
+struct TEXT_FREER {
+  void operator()(char* text) const { sbd_free_text(text); }
 };
-
-// A text made from a token, or none. Freed again unless it is kept.
-class NEW_TEXT {
- public:
-  NEW_TEXT(char* text, const SBD_TOKEN_INFO* token)
-      : m_is_foreign(is_foreign(token)), m_text(text) {}
-  ~NEW_TEXT() {
-    if (m_is_foreign && m_text != nullptr) sbd_free_text(m_text);
-  }
-  NEW_TEXT(const NEW_TEXT&) = delete;
-  NEW_TEXT& operator=(const NEW_TEXT&) = delete;
-
-  char* get() const { return m_text; }
-  char* keep() { return std::exchange(m_text, nullptr); }
-
- private:
-  const bool m_is_foreign;
-  char* m_text;
-};
-
-std::uint32_t position_of(const SBD_TOKEN_INFO& token) {
-  return token.origin == nullptr ? 0 : token.origin->position_of(token.text.data());
-}
+using NEW_TEXT = std::unique_ptr<char, TEXT_FREER>;
 
 char* copy_token_text(const SBD_TOKEN_INFO& token) {
-  if (token.origin != nullptr) return token.origin->copy(token.text);
   return sbd_duplicate_text(SBD_STRING(token.text).c_str());
 }
 
 // As SBD_STORE::copy_free_text.
 char* copy_free_text(const SBD_TOKEN_INFO& token) {
-  if (token.origin != nullptr) return token.origin->copy_free_text(token.text);
   SBD_STRING text(token.text);
   std::replace(text.begin(), text.end(), '\0', ' ');
   return sbd_duplicate_text(text.c_str());
@@ -98,15 +50,15 @@ char* copy_free_text(const SBD_TOKEN_INFO& token) {
 // The symbol of a new node. It is entered when nothing else can fail any more.
 SBD_SYMBOL* enter_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node, const SBD_TOKEN_INFO& name,
                          SBD_SYMBOL_TABLE& symbol_table) {
-  NEW_RECORD<SBD_SYMBOL> symbol(&name);
+  auto symbol = std::make_unique<SBD_SYMBOL>();
   symbol->line = name.line;
   symbol->type = type;
   symbol->node = node;
-  NEW_TEXT text(copy_token_text(name), &name);
+  NEW_TEXT text(copy_token_text(name));
   symbol->name = text.get();
   sbd_enter_foreign_symbol(symbol.get(), symbol_table);
-  (void)text.keep();
-  return symbol.keep();
+  (void)text.release();
+  return symbol.release();
 }
 
 // The digits behind 0x or 0b.
@@ -116,85 +68,82 @@ std::string_view without_prefix(std::string_view number) {
 
 SBD_NODE* make_block(const SBD_TOKEN_INFO* type, const SBD_TOKEN_INFO* name, SBD_NODE* members,
                      SBD_SYMBOL_TABLE* symbol_table) {
-  NEW_RECORD<SBD_NODE> node(name);
-  NEW_RECORD<SBD_BLOCK> block(name);
+  auto node = std::make_unique<SBD_NODE>();
+  auto block = std::make_unique<SBD_BLOCK>();
   node->type = SBD_NODE::NT_BLOCK;
   node->block = block.get();
   block->members = members;
   if (type != nullptr) {
-    node->m_position = position_of(*type);
     block->type = copy_token_text(*type);
     block->block_type = SBD_FILE_PARSER::lookup_block_type(block->type);
   }
-  NEW_TEXT type_text(block->type, type);
+  NEW_TEXT type_text(block->type);
   const bool has_table =
       SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "block_name != NULL", k_source_parser) && has_table) {
     block->name = enter_symbol(SBD_SYMBOL::SYM_BLOCK, node.get(), *name, *symbol_table);
   }
-  (void)type_text.keep();
-  (void)block.keep();
-  return node.keep();
+  (void)type_text.release();
+  (void)block.release();
+  return node.release();
 }
 
 // A statement node with everything but its value or references.
 SBD_NODE* make_statement(SBD_STATEMENT::STATEMENT_TYPE type, const SBD_TOKEN_INFO* name,
                          const SBD_TOKEN_INFO* comment, SBD_SYMBOL_TABLE* symbol_table) {
-  NEW_RECORD<SBD_NODE> node(name);
-  NEW_RECORD<SBD_STATEMENT> statement(name);
+  auto node = std::make_unique<SBD_NODE>();
+  auto statement = std::make_unique<SBD_STATEMENT>();
   node->type = SBD_NODE::NT_STATEMENT;
   node->statement = statement.get();
   statement->type = type;
-  NEW_TEXT comment_text(comment != nullptr ? copy_free_text(*comment) : nullptr, comment);
+  NEW_TEXT comment_text(comment != nullptr ? copy_free_text(*comment) : nullptr);
   statement->comment = comment_text.get();
   const bool has_table =
       SBD_CHECK(symbol_table != nullptr, "symbol_table != NULL", k_source_parser);
   if (SBD_CHECK(name != nullptr, "para_name != NULL", k_source_parser) && has_table) {
-    node->m_position = position_of(*name);
     statement->name = enter_symbol(SBD_SYMBOL::SYM_PARAMETER, node.get(), *name, *symbol_table);
   }
-  (void)comment_text.keep();
-  (void)statement.keep();
-  return node.keep();
+  (void)comment_text.release();
+  (void)statement.release();
+  return node.release();
 }
 
 SBD_PARA_VALUE* make_value(int code, const SBD_TOKEN_INFO* token) {
   if (!SBD_CHECK(token != nullptr, "token != NULL", k_source_parser)) return nullptr;
-  NEW_RECORD<SBD_PARA_VALUE> value(token);
+  auto value = std::make_unique<SBD_PARA_VALUE>();
   const std::string_view text = token->text;
-  value->m_position = position_of(*token);
   value->m_length = static_cast<std::uint32_t>(text.size());
   switch (code) {
     case SBD_TOK_UDECIMAL:
       value->type = SBD_PARA_VALUE::VT_UDECIMAL;
       value->number = sbd_convert_decimal(text);
-      return value.keep();
+      return value.release();
     case SBD_TOK_OCTAL:
       value->type = SBD_PARA_VALUE::VT_OCTAL;
       value->number = sbd_convert_octal(text);
-      return value.keep();
+      return value.release();
     case SBD_TOK_HEXAL:
       value->type = SBD_PARA_VALUE::VT_HEXAL;
       value->number = sbd_convert_hexadecimal(without_prefix(text));
-      return value.keep();
+      return value.release();
     case SBD_TOK_BINARY:
       value->type = SBD_PARA_VALUE::VT_BINARY;
       value->number = sbd_convert_binary(without_prefix(text));
-      return value.keep();
+      return value.release();
     case SBD_TOK_FLOAT:
       value->type = SBD_PARA_VALUE::VT_FLOAT;
       value->number = sbd_convert_float(text);
-      return value.keep();
+      return value.release();
     case SBD_TOK_TRUE:
     case SBD_TOK_FALSE:
       value->type = SBD_PARA_VALUE::VT_BOOL;
       value->flag = code == SBD_TOK_TRUE ? 1 : 0;
-      return value.keep();
+      return value.release();
     case SBD_TOK_STRING:
     case SBD_TOK_IDENTIFIER:
       value->type = SBD_PARA_VALUE::VT_STRING;
       value->text = copy_free_text(*token);
-      return value.keep();
+      return value.release();
     default:
       sbd_report_internal_error("Invalid token id\n", k_source_parser, __LINE__);
       return nullptr;
@@ -226,7 +175,7 @@ void sbd_enter_foreign_symbol(SBD_SYMBOL* symbol, SBD_SYMBOL_TABLE& symbol_table
 }
 
 SBD_TOKEN_INFO sbd_copy_token(const sbd_yyFlexLexer& scanner) {
-  return {scanner.lineno(), scanner.yytext(), scanner.origin()};
+  return {scanner.lineno(), scanner.yytext()};
 }
 
 SBD_SYMBOL* sbd_create_symbol(SBD_SYMBOL::SYMBOL_TYPE type, SBD_NODE* node,
@@ -272,11 +221,10 @@ SBD_NODE* sbd_do_reference(const SBD_TOKEN_INFO* name, SBD_PARA_REF* references,
 SBD_NODE* sbd_do_comment(const SBD_TOKEN_INFO* comment) {
   if (!SBD_CHECK(comment != nullptr, "comment != NULL", k_source_parser)) return nullptr;
   return build([comment] {
-    NEW_RECORD<SBD_NODE> node(comment);
+    auto node = std::make_unique<SBD_NODE>();
     node->type = SBD_NODE::NT_COMMENT;
-    node->m_position = position_of(*comment);
     node->comment = copy_free_text(*comment);
-    return node.keep();
+    return node.release();
   });
 }
 
@@ -287,24 +235,22 @@ SBD_PARA_VALUE* sbd_do_para_value(int code, const SBD_TOKEN_INFO* token) {
 SBD_PARA_REF* sbd_do_para_ref(const SBD_TOKEN_INFO* name) {
   if (!SBD_CHECK(name != nullptr, "name != NULL", k_source_parser)) return nullptr;
   return build([name] {
-    NEW_RECORD<SBD_PARA_REF> reference(name);
+    auto reference = std::make_unique<SBD_PARA_REF>();
     reference->name = copy_token_text(*name);
-    reference->m_position = position_of(*name);
-    return reference.keep();
+    return reference.release();
   });
 }
 
 SBD_PARA_ATTR* sbd_do_para_attr(const SBD_TOKEN_INFO* key, const SBD_TOKEN_INFO* value) {
   return build([=] {
-    NEW_RECORD<SBD_PARA_ATTR> attribute(key);
-    NEW_TEXT key_text(key != nullptr ? copy_token_text(*key) : nullptr, key);
+    auto attribute = std::make_unique<SBD_PARA_ATTR>();
+    NEW_TEXT key_text(key != nullptr ? copy_token_text(*key) : nullptr);
     if (SBD_CHECK(key != nullptr, "attr_key != NULL", k_source_parser)) {
       attribute->attr_key = key_text.get();
-      attribute->m_position = position_of(*key);
     }
     if (value != nullptr) attribute->attr_value = copy_token_text(*value);
-    (void)key_text.keep();
-    return attribute.keep();
+    (void)key_text.release();
+    return attribute.release();
   });
 }
 

@@ -224,8 +224,8 @@ void FlexLexer::set_match(std::string_view text) {
   }
 }
 
-sbd_yyFlexLexer::sbd_yyFlexLexer(const char* text, std::size_t length, SBD_STORE* origin)
-    : m_input(text, text != nullptr ? length : 0), m_origin(origin) {
+sbd_yyFlexLexer::sbd_yyFlexLexer(const char* text, std::size_t length)
+    : m_input(text, text != nullptr ? length : 0) {
   SBD_CHECK(text != nullptr || length == 0, "text != NULL", k_source_parser);
   init_yy_location();
 }

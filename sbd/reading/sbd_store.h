@@ -85,9 +85,6 @@ class SBD_STORE {
   // A list of the values, in the pool.
   SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count);
 
-  // 1 + the offset of a place in the source.
-  std::uint32_t position_of(const char* place) const { return source.offset_of(place) + 1; }
-
   // Give back what a record holds. What lies in the pool stays there until it is released.
   void free_text(char* text) const noexcept {
     if (text != nullptr && !pool.owns(text)) sbd_free_text(text);

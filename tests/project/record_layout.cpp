@@ -172,10 +172,9 @@ AT(SBD_FILE_PARSER::SBD_SYMBOL, node, 16);
 AT(SBD_FILE_PARSER::SBD_SYMBOL, parent, 24);
 AT(SBD_FILE_PARSER::SBD_SYMBOL, next, 32);
 
-SIZE(SBD_FILE_PARSER::SBD_TOKEN_INFO, 32);
+SIZE(SBD_FILE_PARSER::SBD_TOKEN_INFO, 24);
 AT(SBD_FILE_PARSER::SBD_TOKEN_INFO, line, 0);
 AT(SBD_FILE_PARSER::SBD_TOKEN_INFO, text, 8);
-AT(SBD_FILE_PARSER::SBD_TOKEN_INFO, origin, 24);
 
 SIZE(SBD_FILE_PARSER::SBD_SYMBOL_TABLE, 32);
 SIZE(SBD_FILE_PARSER::SBD_PARSER_PARA, 24);
@@ -274,7 +273,7 @@ AT(FlexLexer::LOCATION, column, 24);
 AT(FlexLexer::LOCATION, line, 32);
 
 SIZE(FlexLexer, 152);
-SIZE(sbd_yyFlexLexer, 192);
+SIZE(sbd_yyFlexLexer, 184);
 
 // ---- sbd/sbd_source_document.h ------------------------------------------------------------------
 
