@@ -1,6 +1,5 @@
 #include "tools/clock_search.h"
 
-#include <chrono>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -162,13 +161,6 @@ TEST_F(CLOCK_SEARCH_TEST, MissingFactorsAreFound) {
                                  {{"ahb1", 100e6}, {"sdram", 50e6}});
   ASSERT_FALSE(choices.empty());
   EXPECT_EQ(choices[0].worst_ppm, 0);
-}
-
-TEST_F(CLOCK_SEARCH_TEST, TakesNoTimeAnybodyNotices) {
-  const auto begin = std::chrono::steady_clock::now();
-  search(k_full_clocks, "qmxa4", {{"ahb1", 90.1e6}, {"ahb2", 30.7e6}, {"sdram", 133.3e6}});
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-  EXPECT_LT(seconds.count(), 10);  // Far more than it takes: the machine may be busy.
 }
 
 TEST_F(CLOCK_SEARCH_TEST, TreeHasTheInputThePllsAndTheClocks) {
