@@ -20,24 +20,43 @@ namespace {
 
 // ---- Accounts ----------------------------------------------------------------------------------
 
-// What is known of one tag. Accounts live as long as the program, since blocks refer to them.
-struct ACCOUNT {
-  explicit ACCOUNT(const char* own_text) : text(own_text), known_tag(own_text) {}
+struct ACCOUNT;
 
-  const char* const text;              // A copy: the tag's owner may be unloaded before we are.
-  std::atomic<const char*> known_tag;  // A tag pointer that is known to have this text.
-  ACCOUNT* next = nullptr;
-
-  // Live blocks are not counted by themselves: they follow from what was taken and released.
+// What blocks are counted with that threads of one place take. Live blocks are not counted by
+// themselves: they follow from what was taken and released.
+struct COUNTS {
+  ACCOUNT* account = nullptr;
   std::atomic<std::size_t> live_bytes{0};
   std::atomic<std::size_t> peak_bytes{0};
   std::atomic<std::size_t> allocations{0};
   std::atomic<std::size_t> releases{0};
 
+  // Counts that different threads change must not share a line of the cache, wherever they begin.
+  static constexpr std::size_t k_line = 64;
+  char distance[k_line] = {};
+};
+
+// Threads get the places in turn, so that those that run at a time seldom share one.
+constexpr unsigned k_places = 16;
+
+// What is known of one tag. Accounts live as long as the program, since blocks refer to them.
+struct ACCOUNT {
+  explicit ACCOUNT(const char* own_text) : text(own_text), known_tag(own_text) {
+    for (COUNTS& place : counts) place.account = this;
+  }
+
+  const char* const text;              // A copy: the tag's owner may be unloaded before we are.
+  std::atomic<const char*> known_tag;  // A tag pointer that is known to have this text.
+  ACCOUNT* next = nullptr;
+
   // How many allocations remain up to the failing one, and in the lowest bit whether all later
   // ones fail as well. One word, so that it changes as a whole; 0 while nothing is to fail.
   std::atomic<std::uint64_t> failure_plan{0};
   std::atomic<bool> is_registered{false};
+
+  char distance[COUNTS::k_line] =
+      {};  // What all threads read must not lie beside what one changes.
+  COUNTS counts[k_places];
 };
 
 // Constant-initialized and never destroyed: modules register and release in their own static
@@ -92,19 +111,30 @@ ACCOUNT* account_of_module(const char* module_tag) {
   return account;
 }
 
-void count_allocation(ACCOUNT& account, std::size_t size) {
-  account.allocations.fetch_add(1, std::memory_order_relaxed);
-  const std::size_t live = account.live_bytes.fetch_add(size, std::memory_order_relaxed) + size;
-  std::size_t peak = account.peak_bytes.load(std::memory_order_relaxed);
+// ---- Places of threads -------------------------------------------------------------------------
+
+constexpr unsigned k_no_place = k_places;
+thread_local unsigned t_place = k_no_place;
+std::atomic<unsigned> g_threads{0};  // That have a place.
+
+COUNTS& counts_of_thread(ACCOUNT& account) {
+  if (t_place == k_no_place) t_place = g_threads.fetch_add(1, std::memory_order_relaxed) % k_places;
+  return account.counts[t_place];
+}
+
+void count_allocation(COUNTS& counts, std::size_t size) {
+  counts.allocations.fetch_add(1, std::memory_order_relaxed);
+  const std::size_t live = counts.live_bytes.fetch_add(size, std::memory_order_relaxed) + size;
+  std::size_t peak = counts.peak_bytes.load(std::memory_order_relaxed);
   while (live > peak &&
-         !account.peak_bytes.compare_exchange_weak(peak, live, std::memory_order_relaxed)) {
+         !counts.peak_bytes.compare_exchange_weak(peak, live, std::memory_order_relaxed)) {
   }
 }
 
-void count_release(ACCOUNT& account, std::size_t size) {
-  account.live_bytes.fetch_sub(size, std::memory_order_relaxed);
+void count_release(COUNTS& counts, std::size_t size) {
+  counts.live_bytes.fetch_sub(size, std::memory_order_relaxed);
   // Pairs with the acquire in get_memory_account: who sees a release sees its allocation, too.
-  account.releases.fetch_add(1, std::memory_order_release);
+  counts.releases.fetch_add(1, std::memory_order_release);
 }
 
 // ---- Planned failures --------------------------------------------------------------------------
@@ -163,7 +193,7 @@ void tell_hook(bool is_allocation, const ACCOUNT& account, std::size_t size, con
 
 // Stands in front of every block. Its own alignment and size keep the block behind it aligned.
 struct alignas(std::max_align_t) BLOCK_HEADER {
-  ACCOUNT* account;
+  COUNTS* counts;  // Where it was counted, and is to be counted when it is released.
   std::size_t size;
 };
 
@@ -192,8 +222,9 @@ void* MEM_MANAGER::new_wrapper(std::size_t size, const char* module_tag) {
   void* const memory = get_memory(sizeof(BLOCK_HEADER) + size);
   if (!memory) throw std::bad_alloc();
 
-  void* const block = new (memory) BLOCK_HEADER{account, size} + 1;
-  count_allocation(*account, size);
+  COUNTS& counts = counts_of_thread(*account);
+  void* const block = new (memory) BLOCK_HEADER{&counts, size} + 1;
+  count_allocation(counts, size);
   tell_hook(true, *account, size, block);
   return block;
 }
@@ -203,10 +234,10 @@ void MEM_MANAGER::delete_wrapper(void* block, const char*) noexcept {
 
   BLOCK_HEADER* const header = static_cast<BLOCK_HEADER*>(block) - 1;
   const BLOCK_HEADER released = *header;
-  count_release(*released.account, released.size);
+  count_release(*released.counts, released.size);
   // The memory goes back last: otherwise another thread could get this address, and have it told
   // to the hook, before the hook hears that it was released.
-  tell_hook(false, *released.account, released.size, block);
+  tell_hook(false, *released.counts->account, released.size, block);
   free_memory(header, sizeof(BLOCK_HEADER) + released.size);
 }
 
@@ -222,12 +253,18 @@ MEMORY_ACCOUNT get_memory_account(const char* module_tag) {
   const ACCOUNT* const account = find_account(module_tag);
   if (!account) return {0, 0, 0, 0};
 
-  // In this order neither the difference can fall below zero nor the peak below the live bytes.
-  const std::size_t releases = account->releases.load(std::memory_order_acquire);
-  const std::size_t allocations = account->allocations.load(std::memory_order_relaxed);
-  const std::size_t live_bytes = account->live_bytes.load(std::memory_order_relaxed);
-  const std::size_t peak_bytes = account->peak_bytes.load(std::memory_order_relaxed);
-  return {live_bytes, allocations - releases, allocations, std::max(peak_bytes, live_bytes)};
+  MEMORY_ACCOUNT sum = {0, 0, 0, 0};
+  for (const COUNTS& counts : account->counts) {
+    // In this order neither the difference can fall below zero nor the peak below the live bytes.
+    const std::size_t releases = counts.releases.load(std::memory_order_acquire);
+    const std::size_t allocations = counts.allocations.load(std::memory_order_relaxed);
+    const std::size_t live_bytes = counts.live_bytes.load(std::memory_order_relaxed);
+    sum.live_bytes += live_bytes;
+    sum.live_blocks += allocations - releases;
+    sum.total_allocations += allocations;
+    sum.peak_bytes += std::max(counts.peak_bytes.load(std::memory_order_relaxed), live_bytes);
+  }
+  return sum;
 }
 
 bool is_module_registered(const char* module_tag) {

@@ -57,7 +57,8 @@ struct MEMORY_ACCOUNT {
   std::size_t live_bytes;         // Bytes as asked for, without the manager's own overhead.
   std::size_t live_blocks;        // Allocations that were not released yet.
   std::size_t total_allocations;  // Since the program started.
-  std::size_t peak_bytes;         // The most that was ever live.
+  std::size_t peak_bytes;         // The most that was ever live. When several threads allocate, the
+                                  // sum of what was the most for each, which may be more.
 };
 
 // The account of a tag; all zero for a tag that never allocated.

@@ -397,6 +397,22 @@ TEST_F(HOST_MEMORY, ThreadsShareAnAccount) {
   EXPECT_GT(account.peak_bytes, 0U);
 }
 
+TEST_F(HOST_MEMORY, PeakOfThreadsIsNoLessThanWhatTheyHeldTogether) {
+  constexpr int k_threads = 40;  // More than have counts of their own.
+  std::atomic<int> holding{0};
+  run_in_threads(k_threads, [&](int) {
+    void* const block = MEM_MANAGER::new_wrapper(1000, "PEAK");
+    ++holding;
+    while (holding != k_threads) std::this_thread::yield();
+    give_back("PEAK", block);
+  });
+  const MEMORY_ACCOUNT account = get_memory_account("PEAK");
+  EXPECT_EQ(account.live_bytes, 0U);
+  EXPECT_EQ(account.live_blocks, 0U);
+  EXPECT_EQ(account.total_allocations, 40U);
+  EXPECT_GE(account.peak_bytes, 40000U);
+}
+
 TEST_F(HOST_MEMORY, ThreadsAgreeOnANewTag) {
   static const char tags[4][9] = {"NEW_TAG1", "NEW_TAG1", "NEW_TAG1", "NEW_TAG1"};
   run_in_threads(4, [](int thread) {
