@@ -146,7 +146,7 @@ COMMAND_DESCRIPTION describe_tool() {
 
 EXIT_CODE run_tool(int argument_count, const char* const* arguments) noexcept {
   // A broken pipe is then told by the write that fails.
-  std::signal(SIGPIPE, SIG_IGN);
+  (void)std::signal(SIGPIPE, SIG_IGN);
   install_handlers();
   SESSION session;
   run_guarded(session, argument_count, arguments);
