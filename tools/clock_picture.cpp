@@ -78,12 +78,12 @@ class TREE_DRAWING {
     const BOX& box = m_boxes[index];
     m_picture.add_box(box, look_of(node), list_settings(node));
     const int x = box.x + box.width / 2;
-    int y = box.y + k_line_height;
+    const int y = box.y + k_line_height;
     const std::string title = node.kind == KIND::INPUT ? "input clock" : node.title;
     m_picture.add_text(x, y, ANCHOR::MIDDLE, FONT::NAME, title);
-    m_picture.add_text(x, y += k_line_height, ANCHOR::MIDDLE, FONT::SMALL,
+    m_picture.add_text(x, y + k_line_height, ANCHOR::MIDDLE, FONT::SMALL,
                        node.is_idle ? node.step + ", not in use" : node.step);
-    m_picture.add_text(x, y += k_line_height, ANCHOR::MIDDLE, FONT::NAME,
+    m_picture.add_text(x, y + 2 * k_line_height, ANCHOR::MIDDLE, FONT::NAME,
                        node.frequency ? format_frequency(*node.frequency) : "unknown");
     if (node.kind != KIND::INPUT) m_picture.add_link(m_boxes[find_parent(index)], box);
   }

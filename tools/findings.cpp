@@ -19,7 +19,7 @@ std::atomic<bool> g_had_internal_error{false};
 
 void report_internal_error(const char* what) noexcept {
   g_had_internal_error = true;
-  std::fprintf(stderr, "sbd: internal error: %s\n", what);
+  (void)std::fprintf(stderr, "sbd: internal error: %s\n", what);
 }
 
 void take_message(const sbd_host::MESSAGE& message) noexcept {
@@ -29,7 +29,7 @@ void take_message(const sbd_host::MESSAGE& message) noexcept {
       return;
     }
     const std::string line = "sbd: " + make_visible(message.text) + "\n";
-    std::fputs(line.c_str(), stderr);
+    (void)std::fputs(line.c_str(), stderr);
   } catch (...) {
     report_internal_error("out of memory for a message");
   }

@@ -11,13 +11,13 @@ namespace sbd_tool {
 namespace {
 
 constexpr char k_standard_input_name[] = "<stdin>";
-constexpr std::size_t k_first_guess = 64 * 1024;
+constexpr std::size_t k_first_guess = std::size_t{64} * 1024;
 // The library refuses what is longer, so there is no use in reading on.
 constexpr std::size_t k_longest = 0xFFFFFFFFU - 1;
 
 struct FILE_CLOSER {
   void operator()(std::FILE* file) const {
-    if (file != stdin) std::fclose(file);
+    if (file != stdin) (void)std::fclose(file);
   }
 };
 using FILE_HANDLE = std::unique_ptr<std::FILE, FILE_CLOSER>;

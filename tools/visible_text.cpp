@@ -77,8 +77,9 @@ std::string escape_control(std::uint32_t code) {
 std::string first_characters(std::string_view visible, std::size_t count) {
   std::size_t end = 0;
   for (; count > 0 && end < visible.size(); --count) {
-    do ++end;
-    while (end < visible.size() && is_continuation(visible[end]));
+    do {
+      ++end;
+    } while (end < visible.size() && is_continuation(visible[end]));
   }
   return std::string(visible.substr(0, end));
 }
@@ -86,8 +87,9 @@ std::string first_characters(std::string_view visible, std::size_t count) {
 std::string last_characters(std::string_view visible, std::size_t count) {
   std::size_t begin = visible.size();
   for (; count > 0 && begin > 0; --count) {
-    do --begin;
-    while (begin > 0 && is_continuation(visible[begin]));
+    do {
+      --begin;
+    } while (begin > 0 && is_continuation(visible[begin]));
   }
   return std::string(visible.substr(begin));
 }
