@@ -15,7 +15,6 @@
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/sbd_file_parser.h"
-#include "sbd/sbd_parser.h"
 
 class SBD_TREE_MAKER {
  public:
