@@ -18,18 +18,30 @@ T* sbd_place_at(std::intptr_t address) {
   return place;
 }
 
+inline constexpr std::intptr_t k_cache_line = 64;
+
 // Lets the machine fetch so many lines of its cache, of which the first one lies `first_line` lines
 // behind a place.
 inline void sbd_prefetch(const void* place, std::intptr_t first_line, std::intptr_t count) {
 #if defined(__GNUC__)
-  constexpr std::intptr_t k_line = 64;
   for (std::intptr_t line = first_line; line != first_line + count; ++line) {
-    __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + line * k_line));
+    __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + line * k_cache_line));
   }
 #else
   static_cast<void>(place);
   static_cast<void>(first_line);
   static_cast<void>(count);
+#endif
+}
+
+// Lets it fetch the line that lies so many bytes behind a place, which is going to be written.
+inline void sbd_prefetch_to_write(const void* place, std::intptr_t distance) {
+#if defined(__GNUC__)
+  constexpr int k_to_write = 1;
+  __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + distance), k_to_write);
+#else
+  static_cast<void>(place);
+  static_cast<void>(distance);
 #endif
 }
 
