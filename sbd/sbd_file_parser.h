@@ -502,7 +502,9 @@ class SBD_API SBD_FILE_PARSER {
   void refuse_file(const char* name);
   bool run_checks();
   bool find_all_targets();
+  bool find_many_targets();
   bool find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const;
+  void set_target(SBD_PARA_REF& reference, SBD_NODE* target) const;
   SBD_NODE* find_named(const char* name, const SBD_NODE* enclosing) const;
   bool resolve_node(SBD_NODE* node, SBD_NODE* parent, bool is_top_level);
   bool judge_declaration(SBD_SYMBOL* symbol);

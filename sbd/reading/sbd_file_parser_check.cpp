@@ -167,12 +167,15 @@ bool SBD_FILE_PARSER::judge_reference(SBD_STATEMENT* statement) {
 bool SBD_FILE_PARSER::find_target(SBD_PARA_REF& reference, const SBD_STATEMENT& statement) const {
   SBD_NODE* const target = find_named(reference.name, statement.name->parent);
   if (target == nullptr) return false;
-  if (reference.target != target) {
-    m_store->drop_reference(reference.target);
-    SBD_STORE::add_reference(target);
-  }
-  reference.target = target;
+  set_target(reference, target);
   return true;
+}
+
+void SBD_FILE_PARSER::set_target(SBD_PARA_REF& reference, SBD_NODE* target) const {
+  if (reference.target == target) return;
+  m_store->drop_reference(reference.target);
+  SBD_STORE::add_reference(target);
+  reference.target = target;
 }
 
 SBD_FILE_PARSER::SBD_NODE* SBD_FILE_PARSER::find_named(const char* name,

@@ -8,6 +8,7 @@
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/diagnostics/sbd_messages.h"
 #include "sbd/reading/sbd_store.h"
+#include "sbd/reading/sbd_target_search.h"
 #include "sbd/sbd_file_parser.h"
 #include "sbd/sbd_parser.h"
 
@@ -138,6 +139,9 @@ bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* 
   return is_good;
 }
 
+// From so many references on they are looked for together: before, the document lies in the cache.
+constexpr std::size_t k_many_references = 256;
+
 // The parser has seen whether the checks have anything to say, and has found the parents; the
 // checks proper run when they have messages to post.
 bool SBD_FILE_PARSER::run_checks() {
@@ -150,11 +154,44 @@ bool SBD_FILE_PARSER::run_checks() {
 }
 
 bool SBD_FILE_PARSER::find_all_targets() {
-  for (const SBD_STATEMENT* const statement : m_store->facts.references) {
+  const auto& statements = m_store->facts.references;
+  if (statements.size() >= k_many_references) return find_many_targets();
+  for (const SBD_STATEMENT* const statement : statements) {
     for (auto* reference = statement->reference; reference != nullptr;
          reference = reference->next) {
       if (!find_target(*reference, *statement)) return false;
     }
   }
   return true;
+}
+
+// The same, quicker for what the cache does not hold.
+bool SBD_FILE_PARSER::find_many_targets() {
+  using SEARCH = SBD_TARGET_SEARCH;
+  SEARCH search(m_store->names, m_parser_para.root);
+  SEARCH::QUESTION questions[SEARCH::k_most_questions];
+  std::size_t count = 0;
+  const auto settle = [&] {
+    search.answer(questions, count);
+    for (const SEARCH::QUESTION* question = questions; count != 0; --count, ++question) {
+      if (question->target != nullptr) {
+        set_target(*question->reference, question->target);
+      } else if (!find_target(*question->reference, *question->statement)) {
+        return false;
+      }
+    }
+    return true;
+  };
+
+  const auto& statements = m_store->facts.references;
+  for (std::size_t i = 0; i != statements.size(); ++i) {
+    const std::size_t ahead = i + SEARCH::k_most_questions;
+    if (ahead < statements.size()) SEARCH::fetch(statements[ahead]);
+    for (auto* reference = statements[i]->reference; reference != nullptr;
+         reference = reference->next) {
+      questions[count++] = {reference, statements[i], nullptr};
+      if (count == SEARCH::k_most_questions && !settle()) return false;
+    }
+  }
+  return settle();
 }
