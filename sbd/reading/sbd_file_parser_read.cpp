@@ -121,10 +121,8 @@ void SBD_FILE_PARSER::refuse_file(const char* name) {
 bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* name) {
   SOURCE_BUFFER owned_buffer(buffer);
   if (m_store == nullptr) return false;
-  char* const name_copy = sbd_duplicate_text(name);
+  m_file_name = m_store->file_name.set(name);  // It may lie in what is going to be freed.
   clear();
-  sbd_free_text(m_file_name);
-  m_file_name = name_copy;
   m_store->source.adopt(owned_buffer.release(), length);
 
   const bool is_good = sbd_guarded(k_source_file_parser, false, [this] {

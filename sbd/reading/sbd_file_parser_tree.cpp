@@ -1,5 +1,4 @@
 // The document's records: making, linking and freeing them.
-#include <memory>
 #include <new>
 #include <string_view>
 
@@ -38,44 +37,21 @@ const char* sbd_version() noexcept {
 SBD_FILE_PARSER::SBD_FILE_PARSER() noexcept {
   try {
     m_store = new SBD_STORE;
-    const auto give_back = [](void* place) { SBD_RECORD::operator delete(place); };
-    std::unique_ptr<void, decltype(give_back)> place(
-        SBD_RECORD::operator new(sizeof(SBD_SYMBOL_TABLE)), give_back);
-    m_parser_para.symbol_table = ::new (place.get()) SBD_SYMBOL_TABLE(m_store);
-    (void)place.release();
+    m_parser_para.symbol_table = &m_store->symbols;
   } catch (...) {
     sbd_report_internal_error("out of memory", k_source_file_parser, __LINE__);
-    delete m_store;
-    m_store = nullptr;
   }
 }
 
 SBD_FILE_PARSER::~SBD_FILE_PARSER() {
-  clear();
-  if (m_parser_para.symbol_table != nullptr) {
-    m_parser_para.symbol_table->~SBD_SYMBOL_TABLE();
-    SBD_RECORD::operator delete(m_parser_para.symbol_table);
-  }
+  if (m_store != nullptr && m_store->has_foreign) m_store->free_foreign(m_parser_para.root);
   delete m_store;
-  sbd_free_text(m_file_name);
 }
 
 void SBD_FILE_PARSER::clear() noexcept {
   if (m_store == nullptr) return;
-  SBD_SYMBOL_TABLE& table = *m_parser_para.symbol_table;
-  if (m_store->has_foreign) {
-    // Whatever is declared is in the table, and is freed from there.
-    m_store->free_nodes(m_parser_para.root, [](SBD_SYMBOL*) {});
-    for (SBD_SYMBOL* symbol : table) {
-      while (symbol != nullptr) {
-        SBD_SYMBOL* const next = symbol->next;
-        m_store->free_text(symbol->name);
-        m_store->free_record(symbol);
-        symbol = next;
-      }
-    }
-  }
-  table.assign(SBD_SYMBOL_TABLE::k_bucket_count, nullptr);
+  if (m_store->has_foreign) m_store->free_foreign(m_parser_para.root);
+  m_parser_para.symbol_table->assign(SBD_SYMBOL_TABLE::k_bucket_count, nullptr);
   m_store->clear_records();
   m_store->source.release();
   m_parser_para.root = nullptr;

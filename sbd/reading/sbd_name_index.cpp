@@ -253,7 +253,8 @@ SBD_NODE* SBD_NAME_INDEX::count_search(SBD_NODE* root, const SBD_POOL& pool) con
 }
 
 void SBD_NAME_INDEX::drop_paths() noexcept {
-  delete m_paths.exchange(nullptr, std::memory_order_relaxed);
+  delete m_paths.load(std::memory_order_relaxed);
+  m_paths.store(nullptr, std::memory_order_relaxed);
   m_searches.store(0, std::memory_order_relaxed);
   m_has_paths = false;
 }

@@ -87,6 +87,7 @@ class FAULTLESS_PARSER {
   void count_line(const char* newline) {
     if (newline >= m_next_mark) {
       m_next_mark = m_source.mark_lines(newline, {m_line, m_line_begin});
+      m_tree.foresee(m_source.offset_of(newline) + std::size_t{1});
     }
     ++m_line;
     m_line_begin = newline + 1;
@@ -433,6 +434,8 @@ std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_per_statement = 133;
   constexpr std::size_t k_per_brace = 125;  // Of a block; a list has the memory of its elements.
   constexpr std::size_t k_per_comma = 33;
+  constexpr std::size_t k_per_new_name = 16;
+  constexpr std::size_t k_most_new_names = 128;
   const std::size_t sample =
       std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
   if (sample == 0) return 0;
@@ -440,7 +443,9 @@ std::size_t estimate_records(std::string_view text) {
   const std::size_t bytes = counts.semicolons * k_per_statement + counts.braces * k_per_brace +
                             counts.commas * k_per_comma;
   const double share = static_cast<double>(text.size()) / static_cast<double>(sample);
-  return static_cast<std::size_t>(static_cast<double>(bytes) * share);
+  const auto names = static_cast<double>(counts.semicolons + counts.braces) * share;
+  const double new_names = std::min<double>(names, k_most_new_names);
+  return static_cast<std::size_t>(static_cast<double>(bytes) * share + new_names * k_per_new_name);
 }
 
 }  // namespace

@@ -5,15 +5,17 @@
 #include <new>
 
 void SBD_POOL::add_chunk(std::size_t least) {
-  // What was reserved is about right: little is lacking, and little should be left over. If it was
-  // not, chunks grow faster than the pool, so that their number stays small for any document.
+  // Where nothing is foreseen, what was reserved is about right: little is lacking, and little should
+  // be left over. If it was not, chunks grow faster than the pool, so that their number stays small
+  // for any document.
   constexpr std::size_t k_least_share = 128;
   constexpr std::size_t k_most_share = 8;
   constexpr std::size_t k_chunks_of_a_size = 4;
   const std::size_t doublings = std::min<std::size_t>(m_chunk_count / k_chunks_of_a_size, 4);
   const std::size_t share = std::max(k_least_share >> doublings, k_most_share);
+  const std::size_t lacking = m_foreseen != 0 ? m_foreseen : m_size / share;
   const std::size_t room =
-      std::max({least, m_size / share, m_chunk_count == 0 ? k_first_chunk : k_least_chunk});
+      std::max({least, lacking, m_chunk_count == 0 ? k_first_chunk : k_least_chunk});
   const std::size_t size = sizeof(CHUNK) + room + k_slack;
   auto* memory = SBD_ALLOCATOR<char>().allocate(size);
   m_chunks = ::new (memory) CHUNK{m_chunks, memory + size};
@@ -21,6 +23,7 @@ void SBD_POOL::add_chunk(std::size_t least) {
   m_end = memory + size - k_slack;
   m_size += size;
   ++m_chunk_count;
+  m_foreseen = 0;
 }
 
 bool SBD_POOL::owns(const void* address) const noexcept {
@@ -40,4 +43,5 @@ void SBD_POOL::release() noexcept {
   m_next = m_end = nullptr;
   m_size = 0;
   m_chunk_count = 0;
+  m_foreseen = 0;
 }

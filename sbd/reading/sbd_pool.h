@@ -3,6 +3,7 @@
 #ifndef SBD_READING_SBD_POOL_H
 #define SBD_READING_SBD_POOL_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -23,7 +24,7 @@ class SBD_POOL {
   // `size` bytes, aligned for records.
   void* take(std::size_t size) {
     size = (size + k_alignment - 1) & ~(k_alignment - 1);
-    if (size > static_cast<std::size_t>(m_end - m_next)) add_chunk(size);
+    if (size > left()) add_chunk(size);
     void* const taken = m_next;
     // In a large document memory is fetched more slowly than it is written.
     sbd_prefetch_to_write(m_next, k_fetched_ahead);
@@ -33,7 +34,16 @@ class SBD_POOL {
 
   // Makes room for about `size` bytes in one chunk.
   void reserve(std::size_t size) {
-    if (size > static_cast<std::size_t>(m_end - m_next)) add_chunk(size);
+    if (size > left()) add_chunk(size);
+  }
+
+  // Tells how much of a text is done, so that what it still takes can be foreseen: as much for each
+  // byte as so far.
+  void foresee(std::size_t done, std::size_t all) {
+    const auto taken = static_cast<double>(m_size - left());
+    const auto rest = static_cast<double>(all - done) / static_cast<double>(done);
+    const auto wanted = static_cast<std::size_t>(taken * rest);
+    m_foreseen = std::max(wanted, left() + 1) - left();
   }
 
   // True for an address inside this pool's chunks.
@@ -56,6 +66,7 @@ class SBD_POOL {
     char* end;
   };
 
+  std::size_t left() const { return static_cast<std::size_t>(m_end - m_next); }
   void add_chunk(std::size_t least);
 
   CHUNK* m_chunks = nullptr;
@@ -63,6 +74,7 @@ class SBD_POOL {
   char* m_end = nullptr;
   std::size_t m_size = 0;
   std::size_t m_chunk_count = 0;
+  std::size_t m_foreseen = 0;  // What is going to be lacking in all; 0 when nothing is known of it.
 };
 
 #endif

@@ -123,6 +123,19 @@ void SBD_STORE::free_statement(SBD_STATEMENT* statement) const noexcept {
   free_record(statement);
 }
 
+void SBD_STORE::free_foreign(SBD_NODE* root) noexcept {
+  // Whatever is declared is in the table, and is freed from there.
+  free_nodes(root, [](SBD_SYMBOL*) {});
+  for (SBD_SYMBOL* symbol : symbols) {
+    while (symbol != nullptr) {
+      SBD_SYMBOL* const next = symbol->next;
+      free_text(symbol->name);
+      free_record(symbol);
+      symbol = next;
+    }
+  }
+}
+
 void SBD_STORE::drop_references_of(const SBD_STATEMENT& statement) const {
   if (statement.type != SBD_STATEMENT::ST_REFERENCE) return;
   for (auto* reference = statement.reference; reference != nullptr; reference = reference->next) {

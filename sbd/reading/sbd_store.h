@@ -11,15 +11,13 @@
 
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_back_links.h"
+#include "sbd/reading/sbd_file_name.h"
 #include "sbd/reading/sbd_name_index.h"
 #include "sbd/reading/sbd_pool.h"
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_source.h"
 #include "sbd/sbd_file_parser.h"
-
-// As sbd_copy_text, but throws what the host's memory manager throws.
-char* sbd_duplicate_text(const char* text);
 
 // What the parser noticed while it built the tree. The checks that post messages run only when
 // there is something to say.
@@ -104,6 +102,9 @@ class SBD_STORE {
   template <class SYMBOL_DONE>
   void free_nodes(SBD_NODE* chain, SYMBOL_DONE&& symbol_done) noexcept;
 
+  // Frees what does not lie in the pool, of the chain and of all symbols.
+  void free_foreign(SBD_NODE* root) noexcept;
+
   // 1 + the offset of a node's declared name; 0 when it was not read.
   std::uint32_t name_position(const SBD_NODE* node) const;
 
@@ -137,6 +138,8 @@ class SBD_STORE {
 
   SBD_POOL pool;
   SBD_SOURCE source;
+  SBD_FILE_PARSER::SBD_SYMBOL_TABLE symbols{this};
+  SBD_FILE_NAME file_name;
   SBD_NAME_INDEX names;
   SBD_BACK_LINKS<SBD_NODE> node_links;
   SBD_BACK_LINKS<SBD_SYMBOL> symbol_links;

@@ -1,0 +1,35 @@
+// The name that a document was read from. A usual one needs no memory from the host.
+#ifndef SBD_READING_SBD_FILE_NAME_H
+#define SBD_READING_SBD_FILE_NAME_H
+
+#include <cstring>
+
+#include "sbd/sbd_memory.h"
+
+// As sbd_copy_text, but throws what the host's memory manager throws.
+char* sbd_duplicate_text(const char* text);
+
+class SBD_FILE_NAME {
+ public:
+  SBD_FILE_NAME() = default;
+  ~SBD_FILE_NAME() { sbd_free_text(m_long); }
+  SBD_FILE_NAME(const SBD_FILE_NAME&) = delete;
+  SBD_FILE_NAME& operator=(const SBD_FILE_NAME&) = delete;
+
+  // Takes a copy of the name, which may be a part of the one before, and returns the copy. When
+  // there is no memory for it, the name before stays.
+  char* set(const char* name) {
+    const std::size_t size = std::strlen(name) + 1;
+    char* const new_long = size > sizeof m_room ? sbd_duplicate_text(name) : nullptr;
+    if (new_long == nullptr) std::memmove(m_room, name, size);
+    sbd_free_text(m_long);
+    m_long = new_long;
+    return new_long != nullptr ? new_long : m_room;
+  }
+
+ private:
+  char m_room[48] = {};
+  char* m_long = nullptr;  // The name if it does not fit.
+};
+
+#endif
