@@ -62,8 +62,8 @@ class SBD_NAME_INDEX {
     return static_cast<const SBD_SCOPE_LIST*>(table)->find(sbd_name_tag(hash), name);
   }
 
-  // Let the memory be fetched in which find_read is going to look: first the table of a scope, then,
-  // when that has come, the symbol of the name with that sbd_hash_name.
+  // Let the memory be fetched in which find_read is going to look: first the table of a scope,
+  // then, when that has come, the symbol of the name with that sbd_hash_name.
   void fetch_table(const SBD_NODE* scope) const {
     const SBD_SCOPE_TABLE* const table = table_of(scope);
     if (table != nullptr) sbd_prefetch(table, 0, 3);

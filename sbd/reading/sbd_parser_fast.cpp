@@ -42,14 +42,15 @@ class FAULTLESS_PARSER {
   using NAME = SBD_TREE_MAKER::NAME;
 
   FAULTLESS_PARSER(std::string_view text, SBD_STORE& store, SBD_PARSER_PARA& para)
-      : m_end(text.data() + text.size()),
-        m_source(store.source),
+      : m_source(store.source),
         m_tree(store, para),
-        m_line_begin(text.data()),
-        m_next_mark(text.data()) {}
+        m_text(store.pool.progress),
+        m_next_mark(text.data()) {
+    m_text = {text.data(), text.data(), text.data() + text.size()};
+  }
 
   bool parse() {
-    const char* next = m_line_begin;
+    const char* next = m_text.here;
     while (next != nullptr) {
       next = skip_lines(next);
       const char c = *next;
@@ -60,7 +61,7 @@ class FAULTLESS_PARSER {
       } else if (c == '}') {
         next = close_block(next);
       } else {
-        return next == m_end && !m_tree.is_in_block() && finish();
+        return next == m_text.end && !m_tree.is_in_block() && finish();
       }
     }
     return false;
@@ -86,11 +87,10 @@ class FAULTLESS_PARSER {
 
   void count_line(const char* newline) {
     if (newline >= m_next_mark) {
-      m_next_mark = m_source.mark_lines(newline, {m_line, m_line_begin});
-      m_tree.foresee(m_source.offset_of(newline) + std::size_t{1});
+      m_next_mark = m_source.mark_lines(newline, {m_line, m_text.here});
     }
     ++m_line;
-    m_line_begin = newline + 1;
+    m_text.here = newline + 1;
   }
 
   static std::string_view text_between(const char* begin, const char* end) {
@@ -128,8 +128,8 @@ class FAULTLESS_PARSER {
 
   // The rest of the line from "#" on, with its newline; a fault at the end of the text.
   const char* skip_comment(const char* begin, std::string_view& comment) {
-    const auto* const newline =
-        static_cast<const char*>(std::memchr(begin, '\n', static_cast<std::size_t>(m_end - begin)));
+    const auto* const newline = static_cast<const char*>(
+        std::memchr(begin, '\n', static_cast<std::size_t>(m_text.end - begin)));
     if (newline == nullptr) return nullptr;
     count_line(newline);
     m_is_tail = false;
@@ -183,7 +183,8 @@ class FAULTLESS_PARSER {
 
   bool finish() {
     m_tree.finish();
-    m_source.set_last_line({m_line, m_line_begin});
+    m_source.set_last_line({m_line, m_text.here});
+    m_text = {};
     return true;
   }
 
@@ -272,10 +273,10 @@ class FAULTLESS_PARSER {
   }
 
   const char* parse_string(const char* begin, SBD_PARA_VALUE*& value) {
-    const char* next = sbd_find_quote_or_newline(begin + 1, m_end);
+    const char* next = sbd_find_quote_or_newline(begin + 1, m_text.end);
     while (next != nullptr && *next == '\n') {
       count_line(next);
-      next = sbd_find_quote_or_newline(next + 1, m_end);
+      next = sbd_find_quote_or_newline(next + 1, m_text.end);
     }
     if (next == nullptr) return nullptr;
     ++next;
@@ -417,14 +418,13 @@ class FAULTLESS_PARSER {
     }
   }
 
-  const char* const m_end;
   SBD_SOURCE& m_source;
   SBD_TREE_MAKER m_tree;
   std::uint32_t m_line = 1;
-  bool m_is_tail = false;  // A "#" would be a tail comment: ";" or "}" came on this line.
-  bool m_is_unit = false;  // The scanner still waits for the last number's unit.
-  const char* m_line_begin;
-  const char* m_next_mark;  // The first place whose line the source has not marked.
+  bool m_is_tail = false;      // A "#" would be a tail comment: ";" or "}" came on this line.
+  bool m_is_unit = false;      // The scanner still waits for the last number's unit.
+  SBD_POOL::PROGRESS& m_text;  // As far as the beginning of the line that is parsed.
+  const char* m_next_mark;     // The first place whose line the source has not marked.
 };
 
 // How much memory the records of a text are going to take, as its beginning has it: rather too

@@ -4,16 +4,25 @@
 #include <functional>
 #include <new>
 
+// How much is going to be taken from now on; 0 where nothing is known of it.
+std::size_t SBD_POOL::foresee() const {
+  if (progress.here == progress.begin) return 0;
+  const auto done = static_cast<double>(progress.here - progress.begin);
+  const auto rest = static_cast<double>(progress.end - progress.here);
+  return static_cast<std::size_t>(static_cast<double>(m_size - left()) * (rest / done));
+}
+
 void SBD_POOL::add_chunk(std::size_t least) {
-  // Where nothing is foreseen, what was reserved is about right: little is lacking, and little should
-  // be left over. If it was not, chunks grow faster than the pool, so that their number stays small
-  // for any document.
+  // Where nothing is foreseen, what was reserved is about right: little is lacking, and little
+  // should be left over. If it was not, chunks grow faster than the pool, so that their number
+  // stays small for any document.
   constexpr std::size_t k_least_share = 128;
   constexpr std::size_t k_most_share = 8;
   constexpr std::size_t k_chunks_of_a_size = 4;
   const std::size_t doublings = std::min<std::size_t>(m_chunk_count / k_chunks_of_a_size, 4);
   const std::size_t share = std::max(k_least_share >> doublings, k_most_share);
-  const std::size_t lacking = m_foreseen != 0 ? m_foreseen : m_size / share;
+  const std::size_t foreseen = foresee();
+  const std::size_t lacking = foreseen != 0 ? foreseen : m_size / share;
   const std::size_t room =
       std::max({least, lacking, m_chunk_count == 0 ? k_first_chunk : k_least_chunk});
   const std::size_t size = sizeof(CHUNK) + room + k_slack;
@@ -23,7 +32,6 @@ void SBD_POOL::add_chunk(std::size_t least) {
   m_end = memory + size - k_slack;
   m_size += size;
   ++m_chunk_count;
-  m_foreseen = 0;
 }
 
 bool SBD_POOL::owns(const void* address) const noexcept {
@@ -43,5 +51,5 @@ void SBD_POOL::release() noexcept {
   m_next = m_end = nullptr;
   m_size = 0;
   m_chunk_count = 0;
-  m_foreseen = 0;
+  progress = {};
 }

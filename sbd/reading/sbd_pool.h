@@ -3,7 +3,6 @@
 #ifndef SBD_READING_SBD_POOL_H
 #define SBD_READING_SBD_POOL_H
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -37,14 +36,14 @@ class SBD_POOL {
     if (size > left()) add_chunk(size);
   }
 
-  // Tells how much of a text is done, so that what it still takes can be foreseen: as much for each
-  // byte as so far.
-  void foresee(std::size_t done, std::size_t all) {
-    const auto taken = static_cast<double>(m_size - left());
-    const auto rest = static_cast<double>(all - done) / static_cast<double>(done);
-    const auto wanted = static_cast<std::size_t>(taken * rest);
-    m_foreseen = std::max(wanted, left() + 1) - left();
-  }
+  // How far the parser has got with a text. While that is known, the pool foresees how much memory
+  // is lacking: as much for each byte that is left as for those before.
+  struct PROGRESS {
+    const char* begin = nullptr;
+    const char* here = nullptr;
+    const char* end = nullptr;
+  };
+  PROGRESS progress;
 
   // True for an address inside this pool's chunks.
   bool owns(const void* address) const noexcept;
@@ -68,13 +67,13 @@ class SBD_POOL {
 
   std::size_t left() const { return static_cast<std::size_t>(m_end - m_next); }
   void add_chunk(std::size_t least);
+  std::size_t foresee() const;
 
   CHUNK* m_chunks = nullptr;
   char* m_next = nullptr;
   char* m_end = nullptr;
   std::size_t m_size = 0;
   std::size_t m_chunk_count = 0;
-  std::size_t m_foreseen = 0;  // What is going to be lacking in all; 0 when nothing is known of it.
 };
 
 #endif

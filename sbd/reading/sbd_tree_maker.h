@@ -114,9 +114,6 @@ class SBD_TREE_MAKER {
     m_store.last_root = m_last;
   }
 
-  // Tells how much of the source is done.
-  void foresee(std::size_t done) { m_store.pool.foresee(done, m_store.source.text().size()); }
-
   // ---- Values ----------------------------------------------------------------------------------
 
   SBD_PARA_VALUE* make_number(SBD_PARA_VALUE::VALUE_TYPE type, double number,
