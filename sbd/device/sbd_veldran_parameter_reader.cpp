@@ -117,8 +117,8 @@ bool SBD_VELDRAN_PARAMETER_READER::validate_rows(const ROW* row, const SBD_PREPA
   bool is_good = true;
   for (; row->parameter_name != nullptr; ++row, ++names) {
     if (!is_for_this_device(row->device_mask)) continue;
-    review.move_to(*names);
     name = names->reference;
+    review.move_to(*names, name.c_str());
     bool is_defined = false;
     bool has_value = false;
     look_up_row(*this, *row, name.c_str(), is_defined, has_value);

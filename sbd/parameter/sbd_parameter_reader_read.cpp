@@ -102,10 +102,12 @@ bool SBD_PARAMETER_READER::read_parameter(const char* block_name, const char* pa
                                           const DEFAULT* default_value,
                                           const DEFAULT* absent_block_value) {
   SBD_MODULE_LOOKUP& lookup = store().lookup;
-  const bool has_block = block_name == nullptr || lookup.find_block(block_name) != nullptr;
+  const SBD_FILE_PARSER::SBD_NODE* block =
+      block_name != nullptr ? lookup.find_block(block_name) : nullptr;
+  const bool has_block = block_name == nullptr || block != nullptr;
   const SBD_FILE_PARSER::SBD_NODE* node = nullptr;
   if (has_block && store().walk != nullptr) {
-    node = lookup.find_prepared(block_name, store().walk->name());
+    node = lookup.find_prepared(block, store().walk->name());
   } else if (has_block) {
     node = lookup.find_statement(block_name, parameter_name);
   }
@@ -145,15 +147,14 @@ bool SBD_PARAMETER_READER::insert(std::string_view reference, std::uint32_t hash
   if (earlier != nullptr) return earlier->value->m_has_value;
 
   kept.make_room();
-  SBD_PARAMETER_NAME key(m_parameters.get_allocator());
-  key.reserve(kept.key_prefix.size() + reference.size());
-  key.append(kept.key_prefix).append(reference);
+  SBD_PARAMETER_NAME key(kept.make_key(reference), m_parameters.get_allocator());
   const auto hint = kept.walk != nullptr ? kept.walk->place() : m_parameters.end();
   const auto entry = m_parameters.try_emplace(hint, std::move(key), std::move(record));
   if (kept.walk != nullptr) kept.walk->set_place(entry);
   const std::string_view own_reference =
       std::string_view(entry->first).substr(kept.key_prefix.size());
-  kept.add({own_reference, &entry->second, origin, hash});
+  const SBD_PREPARED_NAME* const prepared = kept.walk != nullptr ? &kept.walk->name() : nullptr;
+  kept.add({own_reference, &entry->second, origin, hash, prepared});
   return entry->second.m_has_value;
 }
 

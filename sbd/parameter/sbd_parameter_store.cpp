@@ -5,6 +5,7 @@
 #include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_lookup.h"
+#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 
@@ -39,6 +40,8 @@ const SBD_NODE* if_statement(const SBD_NODE* node) {
   return is_statement ? node : nullptr;
 }
 
+constexpr std::size_t k_bits = 32;  // Of a word of a bit set.
+
 }  // namespace
 
 // ---- The document --------------------------------------------------------------------------
@@ -48,8 +51,8 @@ void SBD_MODULE_LOOKUP::begin_walk() {
   const SBD_STRING module_name(m_prefix, 0, m_prefix.size() - 1);
   const bool has_name = !module_name.empty();
   m_module = has_name ? SBD_LOOKUP::find(m_parser, module_name.c_str(), nullptr) : nullptr;
-  m_last_block_name = nullptr;
-  m_last_block = nullptr;
+  m_last_block = {nullptr, nullptr};
+  m_known_blocks.release();
   m_is_walking = true;
 }
 
@@ -62,11 +65,15 @@ const SBD_NODE* SBD_MODULE_LOOKUP::find(const SBD_NODE* scope, const char* name)
 const SBD_NODE* SBD_MODULE_LOOKUP::find_block(const char* block_name) {
   if (!m_is_walking) return if_block(find(nullptr, block_name));
   // The tables take each block's name from one place, and list its parameters in a row.
-  if (block_name != m_last_block_name) {
-    m_last_block = if_block(find(m_module, block_name));
-    m_last_block_name = block_name;
+  if (block_name == m_last_block.name) return m_last_block.node;
+  for (const KNOWN_BLOCK& known : m_known_blocks) {
+    if (known.name != block_name) continue;
+    m_last_block = known;
+    return known.node;
   }
-  return m_last_block;
+  m_last_block = {block_name, if_block(find(m_module, block_name))};
+  m_known_blocks.push_back(m_last_block);
+  return m_last_block.node;
 }
 
 const SBD_NODE* SBD_MODULE_LOOKUP::find_statement(const char* block_name,
@@ -77,9 +84,9 @@ const SBD_NODE* SBD_MODULE_LOOKUP::find_statement(const char* block_name,
   return if_statement(find(nullptr, reference.c_str()));
 }
 
-const SBD_NODE* SBD_MODULE_LOOKUP::find_prepared(const char* block_name,
-                                                 const SBD_PREPARED_NAME& name) {
-  const SBD_NODE* const scope = block_name == nullptr ? m_module : find_block(block_name);
+const SBD_NODE* SBD_MODULE_LOOKUP::find_prepared(const SBD_NODE* block,
+                                                 const SBD_PREPARED_NAME& name) const {
+  const SBD_NODE* const scope = block == nullptr ? m_module : block;
   if (scope == nullptr) return nullptr;
   const SBD_NAME_INDEX& names = m_parser.get_parser_para().symbol_table->store()->names;
   const auto* const symbol =
@@ -101,19 +108,26 @@ void sbd_give_parameter_memory(SBD_POOL* pool, void* memory) noexcept {
 
 SBD_PARAMETER_STORE::SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser,
                                          const SBD_STRING& module_name)
-    : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix) {}
+    : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix), m_key(key_prefix) {}
+
+std::string_view SBD_PARAMETER_STORE::make_key(std::string_view reference) {
+  m_key.resize(key_prefix.size());
+  m_key.append(reference);
+  return m_key;
+}
 
 std::uint32_t SBD_PARAMETER_STORE::hash_of(std::string_view reference) {
   constexpr std::uint64_t k_seed = 0;  // The same in every run, since prepared names keep the hash.
   return static_cast<std::uint32_t>(sbd_hash_name(reference, k_seed) >> 32);
 }
 
-void SBD_PARAMETER_STORE::expect(const SBD_PREPARED_NAME& name) {
+void SBD_PARAMETER_STORE::expect(const SBD_PREPARED_NAME& name, const char* text) {
   const std::size_t next =
       m_expected != nullptr ? static_cast<std::size_t>(m_expected - m_records.data()) + 1 : 0;
   m_expected = nullptr;
-  const bool is_next = next < m_records.size() && m_records[next].reference == name.reference;
+  const bool is_next = next < m_records.size() && m_records[next].prepared == &name;
   m_expected = is_next ? &m_records[next] : find(name.reference, name.hash);
+  m_expected_text = text;
 }
 
 const SBD_PARAMETER_STORE::RECORD* SBD_PARAMETER_STORE::find(std::string_view reference) const {
@@ -161,7 +175,7 @@ void SBD_PARAMETER_STORE::enter(std::uint32_t number) noexcept {
 }
 
 void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
-  m_expected = nullptr;  // Records may have moved.
+  expect_nothing();  // Records may have moved.
   m_records.push_back(record);
   enter(static_cast<std::uint32_t>(m_records.size() - 1));
 }
@@ -169,7 +183,10 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 // ---- The walk ----------------------------------------------------------------------------------
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
-    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count, m_end) {
+    : m_store(reader.store()),
+      m_end(reader.m_parameters.end()),
+      m_places(name_count, m_end),
+      m_is_set(name_count / k_bits + 1, 0) {
   m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;
@@ -181,7 +198,18 @@ SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {
 }
 
 SBD_PARAMETER_WALK::PLACE SBD_PARAMETER_WALK::place() const {
-  std::size_t rank = m_name->rank + std::size_t{1};
-  while (rank < m_places.size() && m_places[rank] == m_end) ++rank;
-  return rank < m_places.size() ? m_places[rank] : m_end;
+  const std::size_t rank = m_name->rank + std::size_t{1};
+  std::size_t word = rank / k_bits;
+  std::uint32_t bits = word < m_is_set.size() ? m_is_set[word] >> (rank % k_bits) : 0;
+  if (bits != 0) return m_places[rank + sbd_first_clear_bit(~bits)];
+  while (++word < m_is_set.size()) {
+    bits = m_is_set[word];
+    if (bits != 0) return m_places[word * k_bits + sbd_first_clear_bit(~bits)];
+  }
+  return m_end;
+}
+
+void SBD_PARAMETER_WALK::set_place(PLACE place) {
+  m_places[m_name->rank] = place;
+  m_is_set[m_name->rank / k_bits] |= std::uint32_t{1} << (m_name->rank % k_bits);
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "sbd/reading/sbd_pool.h"
+#include "sbd/reading/sbd_scratch.h"
 #include "sbd/sbd_parameter_reader.h"
 
 // The reference of a parameter with what follows from it.
@@ -20,7 +21,7 @@ struct SBD_PREPARED_NAME {
 };
 
 // Finds the parts of one module in the document. While a walk is under way the document doesn't
-// change, and neither the module nor the block used last is looked up again.
+// change, and neither the module nor a block is looked up again.
 class SBD_MODULE_LOOKUP {
  public:
   using SBD_NODE = SBD_FILE_PARSER::SBD_NODE;
@@ -37,18 +38,23 @@ class SBD_MODULE_LOOKUP {
   const SBD_NODE* find_block(const char* block_name);
   // The statement node of a parameter whose block (null: the module) is there; else null.
   const SBD_NODE* find_statement(const char* block_name, const char* parameter_name);
-  // The same for a prepared parameter, during a walk.
-  const SBD_NODE* find_prepared(const char* block_name, const SBD_PREPARED_NAME& name);
+  // The same for a prepared parameter during a walk, in its block (null: the module).
+  const SBD_NODE* find_prepared(const SBD_NODE* block, const SBD_PREPARED_NAME& name) const;
 
  private:
   const SBD_NODE* find(const SBD_NODE* scope, const char* name) const;
 
   const SBD_FILE_PARSER& m_parser;
   const SBD_STRING& m_prefix;
+  struct KNOWN_BLOCK {
+    const char* name;
+    const SBD_NODE* node;
+  };
+
   bool m_is_walking = false;
   const SBD_NODE* m_module = nullptr;
-  const char* m_last_block_name = nullptr;
-  const SBD_NODE* m_last_block = nullptr;
+  KNOWN_BLOCK m_last_block = {nullptr, nullptr};
+  SBD_SCRATCH<KNOWN_BLOCK, 32> m_known_blocks;  // Of this walk.
 };
 
 class SBD_PARAMETER_WALK;
@@ -62,6 +68,7 @@ class SBD_PARAMETER_STORE {
     SBD_PARAMETER_VALUE* value;
     SBD_PARAMETER_ORIGIN origin;
     std::uint32_t hash;
+    const SBD_PREPARED_NAME* prepared;  // By which it was read; null if by another name.
   };
 
   SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser, const SBD_STRING& module_name);
@@ -74,13 +81,20 @@ class SBD_PARAMETER_STORE {
   static std::uint32_t hash_of(std::string_view reference);
 
   // The record of a reference in any letter case; null if there is none.
+  const RECORD* find(const char* reference) const {
+    return reference == m_expected_text ? m_expected : find(std::string_view(reference));
+  }
   const RECORD* find(std::string_view reference) const;
   const RECORD* find(std::string_view reference, std::uint32_t hash) const;
 
-  // Expects the next questions to be about one parameter. Those are asked for in the order in which
-  // they were read, so that each record lies behind the one before.
-  void expect(const SBD_PREPARED_NAME& name);
-  void expect_nothing() { m_expected = nullptr; }
+  // Expects the next questions to be about one parameter, mostly by `text`, which is its reference
+  // until something else is expected. Those are asked for in the order in which they were read, so
+  // that each record lies behind the one before.
+  void expect(const SBD_PREPARED_NAME& name, const char* text);
+  void expect_nothing() { m_expected = nullptr, m_expected_text = nullptr; }
+
+  // The key of a reference, valid until the next call.
+  std::string_view make_key(std::string_view reference);
 
   // Makes sure that `add` finds room.
   void make_room();
@@ -98,8 +112,10 @@ class SBD_PARAMETER_STORE {
   void enter(std::uint32_t number) noexcept;
   void rebuild(std::size_t slot_count);
 
+  SBD_STRING m_key;
   SBD_VECTOR<RECORD> m_records;
   const RECORD* m_expected = nullptr;
+  const char* m_expected_text = nullptr;
   SBD_VECTOR<std::uint32_t> m_slots;  // 1 + number of a record, or 0. A power of two of them.
 };
 
@@ -121,7 +137,7 @@ class SBD_PARAMETER_WALK {
   // In front of what its record belongs, as far as this walk has read.
   PLACE place() const;
   // Notes where its record is.
-  void set_place(PLACE place) { m_places[m_name->rank] = place; }
+  void set_place(PLACE place);
 
   // True when everything that was to be read could be kept.
   bool is_good() const { return !m_store.has_failed; }
@@ -130,7 +146,8 @@ class SBD_PARAMETER_WALK {
   SBD_PARAMETER_STORE& m_store;
   const SBD_PREPARED_NAME* m_name = nullptr;
   const PLACE m_end;
-  SBD_VECTOR<PLACE> m_places;  // By rank; the end where nothing was read yet.
+  SBD_VECTOR<PLACE> m_places;          // By rank, of what was read,
+  SBD_VECTOR<std::uint32_t> m_is_set;  // and a bit for each of these.
 };
 
 // While it exists, its reader looks at one parameter after the other.
@@ -141,8 +158,8 @@ class SBD_PARAMETER_REVIEW {
   SBD_PARAMETER_REVIEW(const SBD_PARAMETER_REVIEW&) = delete;
   SBD_PARAMETER_REVIEW& operator=(const SBD_PARAMETER_REVIEW&) = delete;
 
-  // Goes on to a parameter.
-  void move_to(const SBD_PREPARED_NAME& name) { m_store.expect(name); }
+  // Goes on to a parameter; `text` is its reference until the next step.
+  void move_to(const SBD_PREPARED_NAME& name, const char* text) { m_store.expect(name, text); }
 
  private:
   SBD_PARAMETER_STORE& m_store;
