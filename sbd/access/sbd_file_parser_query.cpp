@@ -1,4 +1,6 @@
 // Questions about a document: kinds, lists of blocks, references, typed values.
+#include <cstdint>
+
 #include "sbd/diagnostics/sbd_internal_error.h"
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_extended.h"
@@ -58,10 +60,22 @@ std::size_t references_inside(const SBD_NODE* target) {
   return count;
 }
 
+// A whole number of 32 bits, as nearly all are: its product with a unit has an exact 64-bit result.
+bool is_dword(double number) {
+  constexpr double k_two_to_32 = 4294967296.0;
+  if (!(number >= 0 && number < k_two_to_32)) return false;
+  return static_cast<double>(static_cast<std::int64_t>(number)) == number;
+}
+
 bool get_number(const SBD_NODE* node, unsigned long& value) {
   const SBD_PARA_VALUE* const number = number_of(node);
   if (number == nullptr) return false;
-  const auto multiplier = static_cast<long double>(SBD_FILE_PARSER::get_unit_value(number->unit));
+  const std::uint64_t unit = SBD_FILE_PARSER::get_unit_value(number->unit);
+  if (is_dword(number->number)) {
+    value = static_cast<std::uint32_t>(static_cast<std::uint64_t>(number->number) * unit);
+    return true;
+  }
+  const auto multiplier = static_cast<long double>(unit);
   value = sbd_low_bits(sbd_extended(static_cast<long double>(number->number) * multiplier));
   return true;
 }

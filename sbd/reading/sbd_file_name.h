@@ -2,6 +2,7 @@
 #ifndef SBD_READING_SBD_FILE_NAME_H
 #define SBD_READING_SBD_FILE_NAME_H
 
+#include <cstddef>
 #include <cstring>
 
 #include "sbd/sbd_memory.h"
@@ -16,19 +17,26 @@ class SBD_FILE_NAME {
   SBD_FILE_NAME(const SBD_FILE_NAME&) = delete;
   SBD_FILE_NAME& operator=(const SBD_FILE_NAME&) = delete;
 
-  // Takes a copy of the name, which may be a part of the one before, and returns the copy. When
-  // there is no memory for it, the name before stays.
+  // Takes a copy of the name, which may be a part of the one before, and returns the copy. It lies
+  // elsewhere than the one before: that the name moved tells that the document was read. When there
+  // is no memory for it, the name before stays.
   char* set(const char* name) {
     const std::size_t size = std::strlen(name) + 1;
-    char* const new_long = size > sizeof m_room ? sbd_duplicate_text(name) : nullptr;
-    if (new_long == nullptr) std::memmove(m_room, name, size);
+    char* const new_long = size > k_room_size ? sbd_duplicate_text(name) : nullptr;
+    if (new_long == nullptr) {
+      m_room = 1 - m_room;
+      std::memcpy(m_rooms[m_room], name, size);
+    }
     sbd_free_text(m_long);
     m_long = new_long;
-    return new_long != nullptr ? new_long : m_room;
+    return new_long != nullptr ? new_long : m_rooms[m_room];
   }
 
  private:
-  char m_room[48] = {};
+  static constexpr std::size_t k_room_size = 44;
+
+  char m_rooms[2][k_room_size] = {};
+  int m_room = 0;          // The one that was used last.
   char* m_long = nullptr;  // The name if it does not fit.
 };
 

@@ -4,12 +4,15 @@
 #include <functional>
 #include <new>
 
-// How much is going to be taken from now on; 0 where nothing is known of it.
+// How much is going to be taken from now on, though never more than is there already; 0 where too
+// little is done to tell.
 std::size_t SBD_POOL::foresee() const {
-  if (progress.here == progress.begin) return 0;
+  constexpr double k_least_done = 1.0 / 16;
   const auto done = static_cast<double>(progress.here - progress.begin);
-  const auto rest = static_cast<double>(progress.end - progress.here);
-  return static_cast<std::size_t>(static_cast<double>(m_size - left()) * (rest / done));
+  const auto all = static_cast<double>(progress.end - progress.begin);
+  if (done <= all * k_least_done) return 0;
+  const double lacking = static_cast<double>(m_size - left()) * ((all - done) / done);
+  return std::min(static_cast<std::size_t>(lacking), m_size);
 }
 
 void SBD_POOL::add_chunk(std::size_t least) {

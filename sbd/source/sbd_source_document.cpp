@@ -136,6 +136,7 @@ bool read_document(SBD_SOURCE_STATE* state, READ&& read) {
     // A document that can't be read at all keeps what it has, its file name included.
     const char* const name_before = state->document.get_file_name();
     const bool is_good = read(state->document);
+    // Every reading that got as far as the text has moved the name.
     if (state->document.get_file_name() != name_before) state->restart();
     return is_good;
   });
