@@ -471,8 +471,7 @@ PyModuleDef g_module = {PyModuleDef_HEAD_INIT,
 
 }  // namespace
 
-// Python makes this name of that of the module.
-PyMODINIT_FUNC PyInit__items() {  // NOLINT: a reserved name
+PyMODINIT_FUNC PyInit__items() {
   PyObject* const module = PyModule_Create(&g_module);
   if (module == nullptr) return nullptr;
   if (fill_module(module)) return module;

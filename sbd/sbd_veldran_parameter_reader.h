@@ -24,7 +24,7 @@ struct SBD_PREPARED_NAME;
 // A parameter has one row, or several with different chips. The row that marks the end of a table
 // has no parameter name.
 template <class VALUE>
-struct SBD_PARAMETER_ROW {     // NOLINT: the order of the fields is fixed.
+struct SBD_PARAMETER_ROW {
   const char* block_name;      // Path below the stripe's module; null for the module itself.
   const char* parameter_name;  // Null behind the last row.
   unsigned long device_mask;   // Chips that the row is for: 1 QMXA1, 2 QMXA4, 4 QMXA10.

@@ -9,7 +9,7 @@
 
 namespace sbd_tool {
 
-struct MESSAGE_HELP {  // NOLINT: the fields stand in the order in which one reads them.
+struct MESSAGE_HELP {
   // What the examples are. A fragment is a part of the module that describes the stripe.
   enum class EXAMPLE { NONE, FILE, FRAGMENT, COMMAND };
 
