@@ -128,6 +128,32 @@ TEST_F(READ, RefusedAtFirstLeavesNoFileName) {
   expect_empty(m_document);
 }
 
+// Short names lie in the document, long ones do not; each reading moves them.
+TEST_F(READ, KeepsNamesOfEveryLength) {
+  std::vector<std::string> names;
+  for (std::size_t size = 0; size < 100; size++) names.push_back(std::string(size, 'n') + "~");
+  for (const std::size_t size : {3U, 200U, 4U, 5U, 300U, 301U, 0U, 43U, 44U, 42U}) {
+    names.push_back(std::string(size, 'x'));
+  }
+  const char* before = nullptr;
+  for (const std::string& name : names) {
+    ASSERT_TRUE(read_text(m_document, GOOD_TEXT, name.c_str()));
+    EXPECT_EQ(m_document.get_file_name(), name);
+    EXPECT_NE(m_document.get_file_name(), before);
+    before = m_document.get_file_name();
+  }
+}
+
+TEST_F(READ, TakesItsOwnName) {
+  for (const std::string& name : {std::string("short"), std::string(200, 'l') + "short"}) {
+    ASSERT_TRUE(read_text(m_document, GOOD_TEXT, name.c_str()));
+    ASSERT_TRUE(read_text(m_document, GOOD_TEXT, m_document.get_file_name()));
+    EXPECT_EQ(m_document.get_file_name(), name);
+    ASSERT_TRUE(read_text(m_document, GOOD_TEXT, m_document.get_file_name() + name.size() - 4));
+    EXPECT_STREQ(m_document.get_file_name(), "hort");
+  }
+}
+
 TEST_F(READ, WithASyntaxErrorLeavesAnEmptyDocumentWithTheNewName) {
   ASSERT_TRUE(read_text(m_document, GOOD_TEXT, "before.sbd"));
   const std::string path = m_directory.write("bad.sbd", "device d { x 5; }");
