@@ -200,7 +200,7 @@ SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {
 SBD_PARAMETER_WALK::PLACE SBD_PARAMETER_WALK::place() const {
   const std::size_t rank = m_name->rank + std::size_t{1};
   std::size_t word = rank / k_bits;
-  std::uint32_t bits = word < m_is_set.size() ? m_is_set[word] >> (rank % k_bits) : 0;
+  std::uint32_t bits = m_is_set[word] >> (rank % k_bits);  // There is a word for one more rank.
   if (bits != 0) return m_places[rank + sbd_first_clear_bit(~bits)];
   while (++word < m_is_set.size()) {
     bits = m_is_set[word];

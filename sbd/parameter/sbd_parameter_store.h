@@ -42,15 +42,15 @@ class SBD_MODULE_LOOKUP {
   const SBD_NODE* find_prepared(const SBD_NODE* block, const SBD_PREPARED_NAME& name) const;
 
  private:
-  const SBD_NODE* find(const SBD_NODE* scope, const char* name) const;
-
-  const SBD_FILE_PARSER& m_parser;
-  const SBD_STRING& m_prefix;
   struct KNOWN_BLOCK {
     const char* name;
     const SBD_NODE* node;
   };
 
+  const SBD_NODE* find(const SBD_NODE* scope, const char* name) const;
+
+  const SBD_FILE_PARSER& m_parser;
+  const SBD_STRING& m_prefix;
   bool m_is_walking = false;
   const SBD_NODE* m_module = nullptr;
   KNOWN_BLOCK m_last_block = {nullptr, nullptr};
@@ -91,7 +91,10 @@ class SBD_PARAMETER_STORE {
   // until something else is expected. Those are asked for in the order in which they were read, so
   // that each record lies behind the one before.
   void expect(const SBD_PREPARED_NAME& name, const char* text);
-  void expect_nothing() { m_expected = nullptr, m_expected_text = nullptr; }
+  void expect_nothing() {
+    m_expected = nullptr;
+    m_expected_text = nullptr;
+  }
 
   // The key of a reference, valid until the next call.
   std::string_view make_key(std::string_view reference);

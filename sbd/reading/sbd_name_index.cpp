@@ -174,7 +174,7 @@ SBD_SYMBOL* SBD_NAME_INDEX::find_any(const SBD_NODE* scope, const SBD_NODE* memb
 }
 
 bool SBD_NAME_INDEX::has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const {
-  if (symbol->parent == nullptr || symbol->name == nullptr) return false;
+  if (symbol->parent == nullptr) return false;
   const SBD_NODE* const scope = scope_of(symbol);
   const SBD_JOINED_NAME padded(nullptr, symbol->name);
   const SBD_SYMBOL* const read =

@@ -74,7 +74,7 @@ class SBD_NAME_INDEX {
     static_cast<const SBD_SCOPE_LIST*>(table)->fetch(sbd_name_tag(hash));
   }
 
-  // True when a symbol of the same name and scope was entered before `symbol`.
+  // True when a symbol of the same name and scope was entered before `symbol`, which has a name.
   bool has_earlier(const SBD_SYMBOL* symbol, const SBD_NODE* members) const;
 
   // Enters a symbol that the reader did not make.

@@ -17,17 +17,18 @@ std::size_t SBD_POOL::foresee() const {
 
 void SBD_POOL::add_chunk(std::size_t least) {
   // Where nothing is foreseen, what was reserved is about right: little is lacking, and little
-  // should be left over. If it was not, chunks grow faster than the pool, so that their number
-  // stays small for any document.
+  // should be left over. If it was not, or foreseen wrongly, chunks grow faster than the pool, so
+  // that their number stays small for any document.
+  constexpr std::size_t k_most_foreseen_chunks = 16;
   constexpr std::size_t k_least_share = 128;
   constexpr std::size_t k_most_share = 8;
   constexpr std::size_t k_chunks_of_a_size = 4;
   const std::size_t doublings = std::min<std::size_t>(m_chunk_count / k_chunks_of_a_size, 4);
   const std::size_t share = std::max(k_least_share >> doublings, k_most_share);
-  const std::size_t foreseen = foresee();
+  const std::size_t foreseen = m_chunk_count < k_most_foreseen_chunks ? foresee() : 0;
   const std::size_t lacking = foreseen != 0 ? foreseen : m_size / share;
-  const std::size_t room =
-      std::max({least, lacking, m_chunk_count == 0 ? k_first_chunk : k_least_chunk});
+  const std::size_t smallest = m_chunk_count == 0 ? k_first_chunk : k_least_chunk;
+  const std::size_t room = std::max({least, lacking, smallest});
   const std::size_t size = sizeof(CHUNK) + room + k_slack;
   auto* memory = SBD_ALLOCATOR<char>().allocate(size);
   m_chunks = ::new (memory) CHUNK{m_chunks, memory + size};

@@ -20,7 +20,7 @@ SBD_WRAPS SBD_SCOPE_LIST* SBD_SCOPE_LIST::make(const SBD_OPEN_MEMBER* first, std
   list->listed = static_cast<std::uint16_t>(count);
   TAG* const tags = list->tags();
   PLACE* const list_places = list->places();
-  const std::intptr_t here = sbd_address_of(list);
+  const std::int64_t here = sbd_address_of(list);
   // Whether any distance is more than places can tell, in either direction.
   constexpr std::uint64_t k_reach = std::uint64_t{k_unit} << 31;
   std::uint64_t far_bits = 0;

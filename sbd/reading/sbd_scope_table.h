@@ -81,14 +81,15 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
 
   static constexpr std::size_t k_tags_per_step = k_run_step / sizeof(TAG);
   static constexpr std::size_t k_bits_per_tag = sizeof(TAG);
-  static constexpr std::intptr_t k_unit = alignof(SBD_SYMBOL);
+  static constexpr std::int64_t k_unit = alignof(SBD_SYMBOL);
 
   TAG* tags() { return reinterpret_cast<TAG*>(this) + 1; }
   const TAG* tags() const { return const_cast<SBD_SCOPE_LIST*>(this)->tags(); }
   PLACE* places() { return reinterpret_cast<PLACE*>(this) + listed / 2 + 1; }
   const PLACE* places() const { return const_cast<SBD_SCOPE_LIST*>(this)->places(); }
   SBD_SYMBOL* symbol_of(std::size_t index) const {
-    return sbd_place_at<SBD_SYMBOL>(sbd_address_of(this) + places()[index] * k_unit);
+    const std::int64_t address = sbd_address_of(this) + places()[index] * k_unit;
+    return sbd_place_at<SBD_SYMBOL>(static_cast<std::intptr_t>(address));
   }
 
   // Which of the tags from `begin` on, as many as a step has, are that one: the lowest of
