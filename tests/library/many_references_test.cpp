@@ -195,7 +195,7 @@ TEST(LONG_LINES, TakeNoMoreMemoryThanShortOnes) {
     EXPECT_TRUE(read_text(document, text));
     return sbd_host::get_memory_account("SBD").live_bytes;
   };
-  for (const std::size_t lines : {0, 1, 100, 5000, 20000}) {
+  for (const std::size_t lines : {0U, 1U, 100U, 5000U, 20000U}) {
     std::string short_lines = "device d {\n";
     std::string long_line = "device d {\n";
     for (std::size_t i = 0; i < 20000; i++) {
