@@ -172,11 +172,8 @@ bool SBD_FILE_PARSER::find_many_targets() {
   const auto settle = [&] {
     search.answer(questions, count);
     for (const SEARCH::QUESTION* question = questions; count != 0; --count, ++question) {
-      if (question->target != nullptr) {
-        set_target(*question->reference, question->target);
-      } else if (!find_target(*question->reference, *question->statement)) {
-        return false;
-      }
+      if (question->target == nullptr) return false;
+      set_target(*question->reference, question->target);
     }
     return true;
   };

@@ -61,7 +61,9 @@ class FAULTLESS_PARSER {
       } else if (c == '}') {
         next = close_block(next);
       } else {
-        return next == m_text.end && !m_tree.is_in_block() && finish();
+        if (next != m_text.end || m_tree.is_in_block()) return false;
+        finish();
+        return true;
       }
     }
     return false;
@@ -181,11 +183,10 @@ class FAULTLESS_PARSER {
     return next;
   }
 
-  bool finish() {
+  void finish() {
     m_tree.finish();
     m_source.set_last_line({m_line, m_text.here});
     m_text = {};
-    return true;
   }
 
   // The ";" of a statement and the comment behind it, null where there is none.

@@ -21,7 +21,7 @@ class SBD_TARGET_SEARCH {
   struct QUESTION {
     SBD_PARA_REF* reference;
     const SBD_STATEMENT* statement;
-    SBD_NODE* target;  // The answer; null tells nothing.
+    SBD_NODE* target;  // The answer; null if there is none.
   };
 
   static constexpr std::size_t k_most_questions = 8;

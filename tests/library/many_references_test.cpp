@@ -159,6 +159,20 @@ TEST_P(MANY_TARGETS, ThatAreMissingAreReportedInFileOrder) {
   }
 }
 
+TEST_P(MANY_TARGETS, OfWhichOneIsMissingAreReported) {
+  for (const std::string& bad : BAD_NAMES) {
+    MADE_UP made = make_up(GetParam(), 0, 1);
+    const std::string last = "r_" + std::to_string(GetParam() - 1) + " <";
+    made.text.insert(made.text.find(last) + last.size(), " " + bad + ",");
+    MESSAGE_RECORDER recorder;
+    SBD_FILE_PARSER document;
+    EXPECT_FALSE(read_text(document, made.text)) << bad;
+    EXPECT_EQ(recorder.texts(),
+              std::vector<std::string>{reference_error_text(TEST_FILE, bad, made.lines.back())});
+    EXPECT_TRUE(recorder.internal_errors().empty()) << bad;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Of, MANY_TARGETS, testing::Values(3, 255, 256, 257, 700));
 
 // Blocks one in the other, each of which is referred to: searches end at different depths.
