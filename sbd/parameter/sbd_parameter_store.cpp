@@ -5,7 +5,6 @@
 #include "sbd/reading/sbd_hash.h"
 #include "sbd/reading/sbd_joined_name.h"
 #include "sbd/reading/sbd_lookup.h"
-#include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_store.h"
 #include "sbd/reading/sbd_tree.h"
 
@@ -39,8 +38,6 @@ const SBD_NODE* if_statement(const SBD_NODE* node) {
       node != nullptr && node->type == SBD_NODE::NT_STATEMENT && node->statement != nullptr;
   return is_statement ? node : nullptr;
 }
-
-constexpr std::size_t k_bits = 32;  // Of a word of a bit set.
 
 }  // namespace
 
@@ -183,10 +180,7 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 // ---- The walk ----------------------------------------------------------------------------------
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
-    : m_store(reader.store()),
-      m_end(reader.m_parameters.end()),
-      m_places(name_count, m_end),
-      m_is_set(name_count / k_bits + 1, 0) {
+    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count, m_end) {
   m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;
@@ -198,18 +192,7 @@ SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {
 }
 
 SBD_PARAMETER_WALK::PLACE SBD_PARAMETER_WALK::place() const {
-  const std::size_t rank = m_name->rank + std::size_t{1};
-  std::size_t word = rank / k_bits;
-  std::uint32_t bits = m_is_set[word] >> (rank % k_bits);  // There is a word for one more rank.
-  if (bits != 0) return m_places[rank + sbd_first_clear_bit(~bits)];
-  while (++word < m_is_set.size()) {
-    bits = m_is_set[word];
-    if (bits != 0) return m_places[word * k_bits + sbd_first_clear_bit(~bits)];
-  }
-  return m_end;
-}
-
-void SBD_PARAMETER_WALK::set_place(PLACE place) {
-  m_places[m_name->rank] = place;
-  m_is_set[m_name->rank / k_bits] |= std::uint32_t{1} << (m_name->rank % k_bits);
+  std::size_t rank = m_name->rank + std::size_t{1};
+  while (rank < m_places.size() && m_places[rank] == m_end) ++rank;
+  return rank < m_places.size() ? m_places[rank] : m_end;
 }

@@ -140,7 +140,7 @@ class SBD_PARAMETER_WALK {
   // In front of what its record belongs, as far as this walk has read.
   PLACE place() const;
   // Notes where its record is.
-  void set_place(PLACE place);
+  void set_place(PLACE place) { m_places[m_name->rank] = place; }
 
   // True when everything that was to be read could be kept.
   bool is_good() const { return !m_store.has_failed; }
@@ -149,8 +149,7 @@ class SBD_PARAMETER_WALK {
   SBD_PARAMETER_STORE& m_store;
   const SBD_PREPARED_NAME* m_name = nullptr;
   const PLACE m_end;
-  SBD_VECTOR<PLACE> m_places;          // By rank, of what was read,
-  SBD_VECTOR<std::uint32_t> m_is_set;  // and a bit for each of these.
+  SBD_VECTOR<PLACE> m_places;  // By rank; the end where nothing was read yet.
 };
 
 // While it exists, its reader looks at one parameter after the other.
