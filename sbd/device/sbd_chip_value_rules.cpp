@@ -89,17 +89,21 @@ constexpr SBD_RULE_TABLE k_qmxa1_rules(k_qmxa1_rows);
 constexpr SBD_RULE_TABLE k_qmxa4_rules(k_qmxa4_rows);
 constexpr SBD_RULE_TABLE k_qmxa10_rules(k_qmxa10_rows);
 
-constexpr SBD_CHIP k_chips[] = {
-    {SBD_VELDRAN::CT_QMXA1, 1, [](std::string_view name) { return k_qmxa1_rules.find(name); }},
-    {SBD_VELDRAN::CT_QMXA4, 2, [](std::string_view name) { return k_qmxa4_rules.find(name); }},
-    {SBD_VELDRAN::CT_QMXA10, 4, [](std::string_view name) { return k_qmxa10_rules.find(name); }},
-};
+constexpr SBD_CHIP k_qmxa1 = {1, [](std::string_view name) { return k_qmxa1_rules.find(name); }};
+constexpr SBD_CHIP k_qmxa4 = {2, [](std::string_view name) { return k_qmxa4_rules.find(name); }};
+constexpr SBD_CHIP k_qmxa10 = {4, [](std::string_view name) { return k_qmxa10_rules.find(name); }};
 
 }  // namespace
 
 const SBD_CHIP* sbd_chip(SBD_VELDRAN::CHIP_TYPE type) {
-  for (const SBD_CHIP& chip : k_chips) {
-    if (chip.type == type) return &chip;
+  switch (type) {
+    case SBD_VELDRAN::CT_QMXA1:
+      return &k_qmxa1;
+    case SBD_VELDRAN::CT_QMXA4:
+      return &k_qmxa4;
+    case SBD_VELDRAN::CT_QMXA10:
+      return &k_qmxa10;
+    default:
+      return nullptr;
   }
-  return nullptr;
 }

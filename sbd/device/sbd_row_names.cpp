@@ -37,7 +37,7 @@ void SBD_ROW_NAMES::add_rows(const ROW* row) {
     const std::string_view reference(m_texts.data() + begin, m_text_size - begin);
     const std::string_view own_name = reference.substr(reference.size() - parameter_size);
     m_names[m_name_count++] = {reference, own_name, sbd_hash_name(own_name),
-                               SBD_PARAMETER_STORE::hash_of(reference), 0};
+                               SBD_PARAMETER_STORE::hash_of(reference)};
   }
 }
 
@@ -50,6 +50,16 @@ void SBD_ROW_NAMES::set_ranks() {
               return left->reference < right->reference;
             });
   for (std::uint32_t rank = 0; rank != k_count; ++rank) order[rank]->rank = rank;
+
+  std::array<std::uint32_t, k_count + 1> read_ranks{k_count};
+  auto end = read_ranks.begin() + 1;
+  for (SBD_PREPARED_NAME& name : m_names) {
+    const auto next = std::upper_bound(read_ranks.begin(), end, name.rank);
+    name.next_rank = *next;
+    std::copy_backward(next, end, end + 1);
+    *next = name.rank;
+    ++end;
+  }
 }
 
 // Rows of one reference are met in their order when they are looked for.

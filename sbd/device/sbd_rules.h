@@ -22,7 +22,6 @@ const SBD_VALUE_RULE* sbd_family_value_rule(std::string_view reference);
 
 // What is known about a chip.
 struct SBD_CHIP {
-  SBD_VELDRAN::CHIP_TYPE type;
   unsigned long device_mask;  // Its bit in the parameter tables.
   const SBD_VALUE_RULE* (*value_rule)(std::string_view reference);
 };

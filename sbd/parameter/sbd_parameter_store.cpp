@@ -180,7 +180,7 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 // ---- The walk ----------------------------------------------------------------------------------
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
-    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count, m_end) {
+    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count + 1, m_end) {
   m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;
@@ -189,10 +189,4 @@ SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t
 SBD_PARAMETER_WALK::~SBD_PARAMETER_WALK() {
   m_store.lookup.end_walk();
   m_store.walk = nullptr;
-}
-
-SBD_PARAMETER_WALK::PLACE SBD_PARAMETER_WALK::place() const {
-  std::size_t rank = m_name->rank + std::size_t{1};
-  while (rank < m_places.size() && m_places[rank] == m_end) ++rank;
-  return rank < m_places.size() ? m_places[rank] : m_end;
 }

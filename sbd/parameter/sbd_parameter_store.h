@@ -17,7 +17,8 @@ struct SBD_PREPARED_NAME {
   std::string_view own_name;    // Its last part, behind which a step can be read.
   std::uint64_t name_hash = 0;  // Of own_name, by sbd_hash_name.
   std::uint32_t hash = 0;       // Of SBD_PARAMETER_STORE::hash_of.
-  std::uint32_t rank = 0;       // Its place among all prepared names in byte-wise order.
+  std::uint32_t rank = 0;       // Its place among all prepared names in byte-wise order,
+  std::uint32_t next_rank = 0;  // and that of the next one among those that are read before it.
 };
 
 // Finds the parts of one module in the document. While a walk is under way the document doesn't
@@ -137,8 +138,8 @@ class SBD_PARAMETER_WALK {
   void move_to(const SBD_PREPARED_NAME& name) { m_name = &name; }
   const SBD_PREPARED_NAME& name() const { return *m_name; }
 
-  // In front of what its record belongs, as far as this walk has read.
-  PLACE place() const;
+  // In front of what its record belongs, as far as this walk has read; a hint.
+  PLACE place() const { return m_places[m_name->next_rank]; }
   // Notes where its record is.
   void set_place(PLACE place) { m_places[m_name->rank] = place; }
 
