@@ -1,6 +1,9 @@
 // The standalone host when the system itself has no memory left. The program takes the place of
-// malloc (see CMakeLists.txt), so that it can say no to the host.
+// malloc and mmap (see CMakeLists.txt), so that it can say no to the host.
 #include <gtest/gtest.h>
+
+#include <sys/mman.h>
+#include <sys/types.h>
 
 #include <cstddef>
 #include <cstdlib>
@@ -38,8 +41,9 @@ TEST(HOST_WITHOUT_MEMORY, BlocksAreRefused) {
   const char* const tag = "KNOWN";
   MEM_MANAGER::delete_wrapper(MEM_MANAGER::new_wrapper(1, tag), tag);
   const sbd_host::MEMORY_ACCOUNT before = sbd_host::get_memory_account(tag);
-  for (const std::size_t size : {std::size_t{1}, std::size_t{1000}, std::size_t{1} << 20,
-                                 std::numeric_limits<std::size_t>::max() / 8}) {
+  for (const std::size_t size :
+       {std::size_t{1}, std::size_t{1000}, std::size_t{1} << 20, std::size_t{1} << 22,
+        std::numeric_limits<std::size_t>::max() / 8}) {
     EXPECT_FALSE(can_allocate(size, tag)) << size;
   }
   const sbd_host::MEMORY_ACCOUNT after = sbd_host::get_memory_account(tag);
@@ -76,11 +80,24 @@ TEST(HOST_WITHOUT_MEMORY, NullCountsAsTheEmptyTag) {
 
 }  // namespace
 
+// The linker's names. Large files have a call of their own where addresses are short.
 extern "C" {
-void* __real_malloc(std::size_t size);  // NOLINT: the linker's names.
-void* __wrap_malloc(std::size_t size);  // NOLINT
+void* __real_malloc(std::size_t size);
+void* __wrap_malloc(std::size_t size);
+void* __real_mmap(void* place, std::size_t size, int access, int kind, int file, off_t offset);
+void* __wrap_mmap(void* place, std::size_t size, int access, int kind, int file, off_t offset);
+void* __real_mmap64(void* place, std::size_t size, int access, int kind, int file, off64_t offset);
+void* __wrap_mmap64(void* place, std::size_t size, int access, int kind, int file, off64_t offset);
 
-void* __wrap_malloc(std::size_t size) {  // NOLINT
+void* __wrap_malloc(std::size_t size) {
   return g_is_exhausted ? nullptr : __real_malloc(size);
+}
+
+void* __wrap_mmap(void* place, std::size_t size, int access, int kind, int file, off_t offset) {
+  return g_is_exhausted ? MAP_FAILED : __real_mmap(place, size, access, kind, file, offset);
+}
+
+void* __wrap_mmap64(void* place, std::size_t size, int access, int kind, int file, off64_t offset) {
+  return g_is_exhausted ? MAP_FAILED : __real_mmap64(place, size, access, kind, file, offset);
 }
 }
