@@ -51,14 +51,11 @@ void SBD_ROW_NAMES::set_ranks() {
             });
   for (std::uint32_t rank = 0; rank != k_count; ++rank) order[rank]->rank = rank;
 
-  std::array<std::uint32_t, k_count + 1> read_ranks{k_count};
-  auto end = read_ranks.begin() + 1;
   for (SBD_PREPARED_NAME& name : m_names) {
-    const auto next = std::upper_bound(read_ranks.begin(), end, name.rank);
-    name.next_rank = *next;
-    std::copy_backward(next, end, end + 1);
-    *next = name.rank;
-    ++end;
+    name.next_rank = k_count;
+    for (const SBD_PREPARED_NAME* read = m_names.data(); read != &name; ++read) {
+      if (read->rank > name.rank) name.next_rank = std::min(name.next_rank, read->rank);
+    }
   }
 }
 
