@@ -494,7 +494,7 @@ class SBD_API SBD_FILE_PARSER {
   void set_fault_place(const SBD_NODE* node) const;
 
   SBD_PARSER_PARA m_parser_para;
-  char* m_file_name = nullptr;
+  char* m_file_name = nullptr;  // In the document's own memory.
 
  private:
   friend class SBD_LOOKUP;

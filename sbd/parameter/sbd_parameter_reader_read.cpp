@@ -102,7 +102,7 @@ bool SBD_PARAMETER_READER::read_parameter(const char* block_name, const char* pa
                                           const DEFAULT* default_value,
                                           const DEFAULT* absent_block_value) {
   SBD_MODULE_LOOKUP& lookup = store().lookup;
-  const SBD_FILE_PARSER::SBD_NODE* block =
+  const SBD_FILE_PARSER::SBD_NODE* const block =
       block_name != nullptr ? lookup.find_block(block_name) : nullptr;
   const bool has_block = block_name == nullptr || block != nullptr;
   const SBD_FILE_PARSER::SBD_NODE* node = nullptr;

@@ -49,7 +49,6 @@ void SBD_MODULE_LOOKUP::begin_walk() {
   const bool has_name = !module_name.empty();
   m_module = has_name ? SBD_LOOKUP::find(m_parser, module_name.c_str(), nullptr) : nullptr;
   m_last_block = {nullptr, nullptr};
-  m_known_blocks.release();
   m_is_walking = true;
 }
 
@@ -180,7 +179,7 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 // ---- The walk ----------------------------------------------------------------------------------
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
-    : m_store(reader.store()), m_end(reader.m_parameters.end()), m_places(name_count + 1, m_end) {
+    : m_store(reader.store()), m_places(name_count + 1, reader.m_parameters.end()) {
   m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;

@@ -18,7 +18,8 @@ struct SBD_PREPARED_NAME {
   std::uint64_t name_hash = 0;  // Of own_name, by sbd_hash_name.
   std::uint32_t hash = 0;       // Of SBD_PARAMETER_STORE::hash_of.
   std::uint32_t rank = 0;       // Its place among all prepared names in byte-wise order,
-  std::uint32_t next_rank = 0;  // and that of the next one among those that are read before it.
+  // and that of the next one among those that are read before it; their number if there is none.
+  std::uint32_t next_rank = 0;
 };
 
 // Finds the parts of one module in the document. While a walk is under way the document doesn't
@@ -33,7 +34,10 @@ class SBD_MODULE_LOOKUP {
 
   // Begins a walk; the block names given until its end must live as long as it.
   void begin_walk();
-  void end_walk() { m_is_walking = false; }
+  void end_walk() {
+    m_is_walking = false;
+    m_known_blocks.release();
+  }
 
   // The node of a block below the module; null when there is none.
   const SBD_NODE* find_block(const char* block_name);
@@ -129,6 +133,7 @@ class SBD_PARAMETER_WALK {
  public:
   using PLACE = SBD_PARAMETER_READER::SBD_PARAMETER_MAP::iterator;
 
+  // There are `name_count` prepared names in all.
   SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count);
   ~SBD_PARAMETER_WALK();
   SBD_PARAMETER_WALK(const SBD_PARAMETER_WALK&) = delete;
@@ -138,7 +143,7 @@ class SBD_PARAMETER_WALK {
   void move_to(const SBD_PREPARED_NAME& name) { m_name = &name; }
   const SBD_PREPARED_NAME& name() const { return *m_name; }
 
-  // In front of what its record belongs, as far as this walk has read; a hint.
+  // In front of what its record belongs, as far as this walk has read: a hint, and no more.
   PLACE place() const { return m_places[m_name->next_rank]; }
   // Notes where its record is.
   void set_place(PLACE place) { m_places[m_name->rank] = place; }
@@ -149,8 +154,8 @@ class SBD_PARAMETER_WALK {
  private:
   SBD_PARAMETER_STORE& m_store;
   const SBD_PREPARED_NAME* m_name = nullptr;
-  const PLACE m_end;
-  SBD_VECTOR<PLACE> m_places;  // By rank; the end where nothing was read yet.
+  // By rank; the end where nothing was read yet, and behind the last one.
+  SBD_VECTOR<PLACE> m_places;
 };
 
 // While it exists, its reader looks at one parameter after the other.

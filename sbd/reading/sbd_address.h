@@ -18,6 +18,11 @@ T* sbd_place_at(std::intptr_t address) {
   return place;
 }
 
+// What lies so many bytes behind a place, or in front of it, reckoned in 64 bits on every machine.
+inline const char* sbd_place_behind(const void* place, std::int64_t distance) {
+  return sbd_place_at<const char>(static_cast<std::intptr_t>(sbd_address_of(place) + distance));
+}
+
 inline constexpr std::intptr_t k_cache_line = 64;
 
 // Lets the machine fetch so many lines of its cache, of which the first one lies `first_line` lines
@@ -25,7 +30,7 @@ inline constexpr std::intptr_t k_cache_line = 64;
 inline void sbd_prefetch(const void* place, std::intptr_t first_line, std::intptr_t count) {
 #if defined(__GNUC__)
   for (std::intptr_t line = first_line; line != first_line + count; ++line) {
-    __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + line * k_cache_line));
+    __builtin_prefetch(sbd_place_behind(place, line * k_cache_line));
   }
 #else
   static_cast<void>(place);
@@ -38,7 +43,7 @@ inline void sbd_prefetch(const void* place, std::intptr_t first_line, std::intpt
 inline void sbd_prefetch_to_write(const void* place, std::intptr_t distance) {
 #if defined(__GNUC__)
   constexpr int k_to_write = 1;
-  __builtin_prefetch(sbd_place_at<const char>(sbd_address_of(place) + distance), k_to_write);
+  __builtin_prefetch(sbd_place_behind(place, distance), k_to_write);
 #else
   static_cast<void>(place);
   static_cast<void>(distance);

@@ -5,10 +5,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "sbd/reading/sbd_texts.h"
 #include "sbd/sbd_memory.h"
-
-// As sbd_copy_text, but throws what the host's memory manager throws.
-char* sbd_duplicate_text(const char* text);
 
 class SBD_FILE_NAME {
  public:

@@ -137,8 +137,9 @@ bool SBD_FILE_PARSER::read_loaded(char* buffer, std::size_t length, const char* 
   return is_good;
 }
 
-// From so many references on they are looked for together: before, the document lies in the cache.
-constexpr std::size_t k_many_references = 256;
+// From so many statements with references on, these are looked for together: before, the document
+// lies in the cache.
+constexpr std::size_t k_many_statements = 256;
 
 // The parser has seen whether the checks have anything to say, and has found the parents; the
 // checks proper run when they have messages to post.
@@ -153,7 +154,7 @@ bool SBD_FILE_PARSER::run_checks() {
 
 bool SBD_FILE_PARSER::find_all_targets() {
   const auto& statements = m_store->facts.references;
-  if (statements.size() >= k_many_references) return find_many_targets();
+  if (statements.size() >= k_many_statements) return find_many_targets();
   for (const SBD_STATEMENT* const statement : statements) {
     for (auto* reference = statement->reference; reference != nullptr;
          reference = reference->next) {

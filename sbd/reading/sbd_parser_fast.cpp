@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #include "sbd/reading/sbd_chars.h"
 #include "sbd/reading/sbd_numbers.h"
@@ -429,7 +430,7 @@ class FAULTLESS_PARSER {
 };
 
 // How much memory the records of a text are going to take, as its beginning has it: rather too
-// little, since the pool grows in small steps.
+// little, since the pool grows when more is lacking. Marks in comments must not mislead it much.
 std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_longest_sample = 255 * k_run_step;
   constexpr std::size_t k_per_statement = 133;
@@ -437,6 +438,8 @@ std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_per_comma = 33;
   constexpr std::size_t k_per_new_name = 16;
   constexpr std::size_t k_most_new_names = 128;
+  constexpr double k_most_per_byte = 8;
+  constexpr auto k_most = static_cast<double>(std::numeric_limits<std::size_t>::max() / 4);
   const std::size_t sample =
       std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
   if (sample == 0) return 0;
@@ -446,7 +449,9 @@ std::size_t estimate_records(std::string_view text) {
   const double share = static_cast<double>(text.size()) / static_cast<double>(sample);
   const auto names = static_cast<double>(counts.semicolons + counts.braces) * share;
   const double new_names = std::min<double>(names, k_most_new_names);
-  return static_cast<std::size_t>(static_cast<double>(bytes) * share + new_names * k_per_new_name);
+  const double estimate = static_cast<double>(bytes) * share + new_names * k_per_new_name;
+  const double most = std::min(static_cast<double>(text.size()) * k_most_per_byte, k_most);
+  return static_cast<std::size_t>(std::min(estimate, most));
 }
 
 }  // namespace

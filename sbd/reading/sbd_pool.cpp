@@ -4,15 +4,16 @@
 #include <functional>
 #include <new>
 
-// How much is going to be taken from now on, though never more than is there already; 0 where too
-// little is done to tell.
+// How much is going to be taken from now on, though never more than a part of what is there, since
+// within a long line nobody knows how far it has got; 0 where too little is done to tell.
 std::size_t SBD_POOL::foresee() const {
   constexpr double k_least_done = 1.0 / 16;
+  constexpr double k_most_added = 1.0 / 4;
   const auto done = static_cast<double>(progress.here - progress.begin);
   const auto all = static_cast<double>(progress.end - progress.begin);
   if (done <= all * k_least_done) return 0;
   const double lacking = static_cast<double>(m_size - left()) * ((all - done) / done);
-  return std::min(static_cast<std::size_t>(lacking), m_size);
+  return static_cast<std::size_t>(std::min(lacking, static_cast<double>(m_size) * k_most_added));
 }
 
 void SBD_POOL::add_chunk(std::size_t least) {

@@ -54,7 +54,7 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
       for (unsigned same = find_tag(begin, tag); same != 0; same &= same - 1) {
         const std::size_t index = begin + sbd_first_clear_bit(~same) / k_bits_per_tag;
         SBD_SYMBOL* const symbol = symbol_of(index);
-        fetch(symbol);
+        fetch_around(symbol);
         if (sbd_has_name(symbol->name, name)) return symbol;
       }
     }
@@ -65,7 +65,8 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
   void fetch(std::uint16_t tag) const {
     for (std::size_t begin = 0; begin < listed; begin += k_tags_per_step) {
       const unsigned same = find_tag(begin, tag);
-      if (same != 0) return fetch(symbol_of(begin + sbd_first_clear_bit(~same) / k_bits_per_tag));
+      if (same != 0)
+        return fetch_around(symbol_of(begin + sbd_first_clear_bit(~same) / k_bits_per_tag));
     }
   }
 
@@ -74,7 +75,7 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
  private:
   // The reader puts a symbol behind its node, and the table of a block's members behind both: all
   // that a longer name needs next, to be fetched at once and not one after the other.
-  static void fetch(const SBD_SYMBOL* symbol) { sbd_prefetch(symbol, -1, 5); }
+  static void fetch_around(const SBD_SYMBOL* symbol) { sbd_prefetch(symbol, -1, 5); }
 
   using TAG = std::uint16_t;
   using PLACE = std::int32_t;  // In units of a record's alignment.

@@ -17,6 +17,7 @@
 #include "sbd/reading/sbd_run.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_source.h"
+#include "sbd/reading/sbd_texts.h"
 #include "sbd/sbd_file_parser.h"
 
 // What the parser noticed while it built the tree. The checks that post messages run only when

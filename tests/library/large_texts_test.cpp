@@ -1,5 +1,5 @@
-// Documents with so many references that they are looked for together: what is found, and what is
-// said about those that are not, is the same as in a small document.
+// Large and misleading texts: what is found in documents with so many references that they are
+// looked for together, what is said about those that are not, and what memory texts take.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -202,13 +202,16 @@ TEST(DEEP_TARGETS, AreFoundAtTheirOwnDepth) {
   }
 }
 
+// ---- Memory ------------------------------------------------------------------------------------
+
+std::size_t memory_of(const std::string& text) {
+  SBD_FILE_PARSER document;
+  EXPECT_TRUE(read_text(document, text));
+  return sbd_host::get_memory_account("SBD").live_bytes;
+}
+
 // Half of a text is one line, and the memory for it could only be guessed from the other half.
 TEST(LONG_LINES, TakeNoMoreMemoryThanShortOnes) {
-  const auto memory_of = [](const std::string& text) {
-    SBD_FILE_PARSER document;
-    EXPECT_TRUE(read_text(document, text));
-    return sbd_host::get_memory_account("SBD").live_bytes;
-  };
   for (const std::size_t lines : {0U, 1U, 100U, 5000U, 20000U}) {
     std::string short_lines = "device d {\n";
     std::string long_line = "device d {\n";
@@ -218,6 +221,27 @@ TEST(LONG_LINES, TakeNoMoreMemoryThanShortOnes) {
       long_line += statement + (i < lines ? "\n" : " ");
     }
     EXPECT_LT(memory_of(long_line + "}"), memory_of(short_lines + "}") * 5 / 4) << lines;
+  }
+}
+
+// The beginning says nothing of what follows: as little, or as much, as there can be.
+TEST(MISLEADING_TEXTS, TakeNoMoreMemoryThanIsPromised) {
+  constexpr std::size_t MOST_PER_BYTE = 45;
+  for (const std::size_t size : {20000U, 300000U, 3000000U}) {
+    std::string blocks = "device d {";
+    std::string values = "device d {";
+    for (int i = 0; blocks.size() < size; i++) blocks += "bus b" + std::to_string(i) + "{a=1;}";
+    for (int i = 0; values.size() < size; i++) values += "a" + std::to_string(i) + "=1;";
+    const std::string comment = "#" + std::string(4085, 'x') + "\n";
+    const std::string nothing = comment + std::string(size / 14, '\n');
+    for (const std::string& dense : {blocks + "}", values + "}"}) {
+      EXPECT_LT(memory_of(dense), dense.size() * MOST_PER_BYTE);
+      EXPECT_LT(memory_of(comment + dense), (comment + dense).size() * MOST_PER_BYTE);
+      EXPECT_LT(memory_of(nothing + dense), (nothing + dense).size() * MOST_PER_BYTE);
+    }
+    const std::string marks = "#" + std::string(4085, ';') + "\n";
+    const std::string sparse = marks + "#" + std::string(size, 'x') + "\ndevice d { a = 1; }";
+    EXPECT_LT(memory_of(sparse), sparse.size() * 12);
   }
 }
 
