@@ -439,7 +439,7 @@ std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_per_new_name = 16;
   constexpr std::size_t k_most_new_names = 128;
   constexpr double k_most_per_byte = 8;
-  constexpr auto k_most = static_cast<double>(std::numeric_limits<std::size_t>::max() / 4);
+  constexpr auto k_most = static_cast<double>(std::numeric_limits<std::size_t>::max()) / 4;
   const std::size_t sample =
       std::min((text.size() + k_run_step - 1) / k_run_step * k_run_step, k_longest_sample);
   if (sample == 0) return 0;

@@ -65,8 +65,9 @@ class SBD_SCOPE_LIST : public SBD_SCOPE_TABLE {
   void fetch(std::uint16_t tag) const {
     for (std::size_t begin = 0; begin < listed; begin += k_tags_per_step) {
       const unsigned same = find_tag(begin, tag);
-      if (same != 0)
-        return fetch_around(symbol_of(begin + sbd_first_clear_bit(~same) / k_bits_per_tag));
+      if (same == 0) continue;
+      fetch_around(symbol_of(begin + sbd_first_clear_bit(~same) / k_bits_per_tag));
+      return;
     }
   }
 
