@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "sbd/reading/sbd_wraps.h"
@@ -40,9 +41,15 @@ class SBD_RULE_TABLE {
   static constexpr std::size_t k_word = 8;
   static_assert(COUNT < 256, "row numbers have one byte, and most slots stay empty");
 
-  // Eight characters in one number.
+  // Eight characters in one number, in the order in which most machines load it at once.
   static constexpr std::uint64_t word_at(const char* text) {
     std::uint64_t word = 0;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    if (!__builtin_is_constant_evaluated()) {
+      std::memcpy(&word, text, sizeof word);
+      return word;
+    }
+#endif
     for (unsigned i = 0; i != k_word; ++i) {
       word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
     }
