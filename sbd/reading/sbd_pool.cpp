@@ -9,10 +9,11 @@
 std::size_t SBD_POOL::foresee() const {
   constexpr double k_least_done = 1.0 / 16;
   constexpr double k_most_added = 1.0 / 4;
+  constexpr double k_reserve = 9.0 / 8;  // Better a little too much than one more chunk.
   const auto done = static_cast<double>(progress.here - progress.begin);
   const auto all = static_cast<double>(progress.end - progress.begin);
   if (done <= all * k_least_done) return 0;
-  const double lacking = static_cast<double>(m_size - left()) * ((all - done) / done);
+  const double lacking = static_cast<double>(m_size - left()) * ((all - done) / done) * k_reserve;
   return static_cast<std::size_t>(std::min(lacking, static_cast<double>(m_size) * k_most_added));
 }
 

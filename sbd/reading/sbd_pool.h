@@ -58,7 +58,7 @@ class SBD_POOL {
   static constexpr std::size_t k_alignment = 8;
   static constexpr std::intptr_t k_fetched_ahead = 16 * k_cache_line;
   static constexpr std::size_t k_first_chunk = 1024;
-  static constexpr std::size_t k_least_chunk = 2048;  // Of those behind it.
+  static constexpr std::size_t k_least_chunk = 1024;  // Of those behind it.
 
   struct CHUNK {
     CHUNK* next;
