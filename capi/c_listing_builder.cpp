@@ -237,7 +237,7 @@ void LISTING_BUILDER::put_value(const VALUE& value, sbdc_value& made) {
 void LISTING_BUILDER::put_single(const VALUE& value, sbdc_value& made) {
   made.kind = static_cast<sbdc_value_kind>(value.type);
   made.unit = static_cast<sbdc_unit>(value.unit);
-  made.position = position_of(&value, value.m_length);
+  made.position = position_of(&value, value.m_length != VALUE::k_long ? value.m_length : 0U);
   if (is_number(value)) {
     made.unscaled = value.number;
     made.number = scaled_number(value);
@@ -305,7 +305,7 @@ std::size_t LISTING_BUILDER::length_of(const NODE* node) const {
   }
   if (kind_of(node) != SBDC_PARAMETER) return 0;
   const VALUE& value = *node->statement->value;
-  if (value.m_position <= node->m_position) return 0;
+  if (value.m_position <= node->m_position || value.m_length == VALUE::k_long) return 0;
   const std::size_t end = value.m_position - std::size_t{1} + value.m_length;
   const std::string_view text = m_lines.text();
   return end < text.size() && text[end] == ';' ? end + 1 - begin : 0;

@@ -119,14 +119,17 @@ class SBD_API SBD_FILE_PARSER {
     SBD_PARA_VALUE** m_items = nullptr;
     std::uint32_t m_size = 0;
     std::uint32_t m_capacity = 0;  // 0 when the items lie in the document's own memory.
-    SBD_VALUE_LIST* m_next_to_free = nullptr;
-    bool* m_grown = nullptr;  // Where a list of the reader's notes that it holds other elements.
+    union {
+      bool* m_grown = nullptr;  // Where a list of the reader's notes that it holds other elements.
+      SBD_VALUE_LIST* m_next_to_free;  // While it is freed.
+    };
+    std::uint32_t m_length = 0;  // Bytes in the source, from "{" to "}".
   };
 
   // A value as written: kind, number or text, and unit. Numbers are kept unscaled.
   struct SBD_PARA_VALUE : SBD_RECORD {
     // How a value is written.
-    enum VALUE_TYPE : std::uint32_t {
+    enum VALUE_TYPE : std::uint8_t {
       VT_UDECIMAL = 0,
       VT_OCTAL = 1,
       VT_HEXAL = 2,
@@ -137,7 +140,7 @@ class SBD_API SBD_FILE_PARSER {
       VT_LIST = 7
     };
     // What stands behind a number: none, K, M, G, Hz, MHz.
-    enum QUANTITY_UNIT : std::uint32_t {
+    enum QUANTITY_UNIT : std::uint8_t {
       QU_NONE = 0,
       QU_KB = 1,
       QU_MB = 2,
@@ -146,7 +149,11 @@ class SBD_API SBD_FILE_PARSER {
       QU_MHZ = 5
     };
 
+    static constexpr std::uint16_t k_long = 65535;  // The m_length of all that is no shorter.
+
     VALUE_TYPE type = VT_UDECIMAL;  // Tells which member of the union counts.
+    QUANTITY_UNIT unit = QU_NONE;   // Of a number.
+    std::uint16_t m_length = 0;     // Bytes in the source, from m_position on, or k_long.
     std::uint32_t m_position = 0;   // As in SBD_NODE.
     union {
       double number = 0;     // VT_UDECIMAL to VT_FLOAT; integers lie in 0 to 4294967295
@@ -154,8 +161,6 @@ class SBD_API SBD_FILE_PARSER {
       char* text;            // VT_STRING: the text as written, with its quotes if it has any
       SBD_VALUE_LIST* list;  // VT_LIST
     };
-    QUANTITY_UNIT unit = QU_NONE;  // Of a number.
-    std::uint32_t m_length = 0;    // Bytes in the source, from m_position on.
   };
 
   // One element of a reference list.

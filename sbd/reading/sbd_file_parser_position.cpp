@@ -9,6 +9,8 @@
 #include "sbd/reading/sbd_tree.h"
 #include "sbd/sbd_file_parser.h"
 
+using SBD_PARA_VALUE = SBD_FILE_PARSER::SBD_PARA_VALUE;
+
 namespace {
 
 std::size_t skip_blank_space(std::string_view text, std::size_t at) {
@@ -49,6 +51,17 @@ std::size_t skip_statement(std::string_view text, std::size_t at) {
     if (quote == std::string_view::npos) return std::min(semicolon + 1, text.size());
     at = skip_string(text, quote);
   }
+}
+
+// How long a value of the reader's is. Of a list the document knows it: lists may be nested deeply,
+// and each of them would have to be looked through.
+std::size_t source_length(const SBD_PARA_VALUE& value, std::string_view text) {
+  if (value.m_length != SBD_PARA_VALUE::k_long) return value.m_length;
+  if (value.type == SBD_PARA_VALUE::VT_LIST) {
+    return value.list != nullptr ? SBD_STORE::source_length(*value.list) : 0;
+  }
+  const std::size_t begin = value.m_position - std::size_t{1};
+  return (text[begin] == '"' ? skip_string(text, begin) : skip_item(text, begin)) - begin;
 }
 
 }  // namespace
@@ -121,7 +134,8 @@ bool SBD_FILE_PARSER::get_comment_range(const SBD_NODE* node, SBD_SOURCE_RANGE& 
 bool SBD_FILE_PARSER::get_range(const SBD_PARA_VALUE* value, SBD_SOURCE_RANGE& range) const {
   if (m_store == nullptr || value == nullptr || value->m_position == 0) return false;
   const std::size_t begin = value->m_position - std::size_t{1};
-  return make_range(value->m_position, begin + value->m_length, range);
+  const std::size_t end = begin + source_length(*value, m_store->source.text());
+  return make_range(value->m_position, end, range);
 }
 
 bool SBD_FILE_PARSER::get_range(const SBD_PARA_ATTR* attribute, SBD_SOURCE_RANGE& range) const {

@@ -112,7 +112,6 @@ SBD_PARA_VALUE* make_value(int code, const SBD_TOKEN_INFO* token) {
   if (!SBD_CHECK(token != nullptr, "token != NULL", k_source_parser)) return nullptr;
   auto value = std::make_unique<SBD_PARA_VALUE>();
   const std::string_view text = token->text;
-  value->m_length = static_cast<std::uint32_t>(text.size());
   switch (code) {
     case SBD_TOK_UDECIMAL:
       value->type = SBD_PARA_VALUE::VT_UDECIMAL;

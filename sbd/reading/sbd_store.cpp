@@ -27,12 +27,14 @@ void sbd_free_text(char* text) noexcept {
   SBD_ALLOCATOR<char>().deallocate(text, 0);
 }
 
-SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t count) {
+SBD_VALUE_LIST* SBD_STORE::make_list(SBD_PARA_VALUE* const* first, std::size_t count,
+                                     std::size_t source_length) {
   auto* const list = make<SBD_VALUE_LIST>();
   list->m_items = static_cast<SBD_PARA_VALUE**>(pool.take(count * sizeof(SBD_PARA_VALUE*)));
   std::copy_n(first, count, list->m_items);
   list->m_size = static_cast<std::uint32_t>(count);
   list->m_grown = &has_foreign;
+  list->m_length = static_cast<std::uint32_t>(source_length);
   return list;
 }
 

@@ -82,7 +82,10 @@ class SBD_STORE {
   // As SBD_VALUE_LIST::push_back, but throws what the host's memory manager throws.
   static void append(SBD_VALUE_LIST& list, SBD_PARA_VALUE* value);
   // A list of the values, in the pool.
-  SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count);
+  SBD_VALUE_LIST* make_list(SBD_PARA_VALUE* const* first, std::size_t count,
+                            std::size_t source_length);
+  // How long a list is in the source.
+  static std::size_t source_length(const SBD_VALUE_LIST& list) { return list.m_length; }
 
   // Give back what a record holds. What lies in the pool stays there until it is released.
   void free_text(char* text) const noexcept {

@@ -7,6 +7,7 @@
 #ifndef SBD_READING_SBD_TREE_MAKER_H
 #define SBD_READING_SBD_TREE_MAKER_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -146,7 +147,7 @@ class SBD_TREE_MAKER {
 
   SBD_PARA_VALUE* make_list(SBD_PARA_VALUE* const* first, std::size_t count,
                             std::string_view text) {
-    SBD_FILE_PARSER::SBD_VALUE_LIST* const list = m_store.make_list(first, count);
+    SBD_FILE_PARSER::SBD_VALUE_LIST* const list = m_store.make_list(first, count, text.size());
     SBD_PARA_VALUE* const value = make_value(SBD_PARA_VALUE::VT_LIST, text);
     value->list = list;
     return value;
@@ -199,7 +200,8 @@ class SBD_TREE_MAKER {
     auto* const value = m_store.make<SBD_PARA_VALUE>();
     value->type = type;
     value->m_position = position_of(text);
-    value->m_length = static_cast<std::uint32_t>(text.size());
+    value->m_length =
+        static_cast<std::uint16_t>(std::min<std::size_t>(text.size(), SBD_PARA_VALUE::k_long));
     return value;
   }
 

@@ -424,7 +424,44 @@ static void list_deep_nesting(void) {
   free(text);
 }
 
+/* Values that are so long that their records can't tell have their places nevertheless. */
+static void list_long_values(void) {
+  enum { k_long = 70000 };
+  char* const text = calloc(1, 3 * k_long);
+  sbdc_document* document = NULL;
+  sbdc_listing* listing = NULL;
+  const sbdc_item* item = NULL;
+  char* end = text;
+  EXPECT(text != NULL);
+  if (text == NULL) return;
+  end += strlen(strcpy(end, "device d {\n s = \""));
+  memset(end, 's', k_long);
+  end += strlen(end);
+  end += strlen(strcpy(end, "\";\n list = {1,"));
+  memset(end, ' ', k_long);
+  end += strlen(end);
+  end += strlen(strcpy(end, "2}; x = 3;\n}"));
+  document = make_document(text);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_PARAMETER, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), 3);
+  item = sbdc_listing_item(listing, 0);
+  EXPECT_NUMBER(item->value.position.length, k_long + 2);
+  EXPECT_NUMBER(item->position.length, k_long + 2 + strlen("s = ;"));
+  item = sbdc_listing_item(listing, 1);
+  EXPECT_NUMBER(item->value.position.line, 3);
+  EXPECT_NUMBER(item->value.position.column, 9);
+  EXPECT_NUMBER(item->value.position.length, k_long + strlen("{1,2}"));
+  EXPECT_NUMBER(item->position.length, k_long + strlen("list = {1,2};"));
+  item = sbdc_listing_item(listing, 2);
+  EXPECT_NUMBER(item->position.length, strlen("x = 3;"));
+  EXPECT_NUMBER(item->value.position.column, k_long + 20);
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+  free(text);
+}
+
 void test_nested_lists(void) {
   find_nested_list();
   list_deep_nesting();
+  list_long_values();
 }

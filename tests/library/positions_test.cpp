@@ -246,6 +246,36 @@ TEST_P(POSITION, InALongLineIsExact) {
   expect_range(node("d.y"), "y = 1;");
 }
 
+// Values that are so long that their records can't tell.
+TEST_P(POSITION, OfALongValueIsExact) {
+  for (const std::size_t size : {65533U, 65534U, 65535U, 65536U, 65537U, 200000U}) {
+    SCOPED_TRACE(size);
+    const auto filled = [size](const std::string& begin, char filling, const std::string& end) {
+      return begin + std::string(size - begin.size() - end.size(), filling) + end;
+    };
+    const std::vector<std::string> values = {
+        filled("", '0', ""),
+        filled("1.", '0', "MHz"),
+        filled("w_", 'w', ""),
+        filled("\"", ' ', "{}; # [1]\""),
+        filled("{1, {2, {\"}\", \"{\"}}, ", ' ', "{{3, 4}, 5}}"),
+        filled("{1,", ' ', "{true,\n{false, \"{\"}}\n}"),
+    };
+    std::string text = "device d {\n";
+    for (std::size_t i = 0; i != values.size(); i++) {
+      text += "  x" + std::to_string(i) + " = " + values[i] + " [key .value];\n";
+    }
+    read(text + "  z = 2;\n}");
+    for (std::size_t i = 0; i != values.size(); i++) {
+      const std::string name = "x" + std::to_string(i);
+      expect_range(m_document.get_para_value("d", name.c_str()), values[i], name.c_str());
+      expect_range(m_document.get_para_attr("d", name.c_str()), "key .value", name.c_str());
+    }
+    expect_range(node("d.z"), "z = 2;");
+    if (HasFailure()) return;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(With, POSITION, testing::Values(std::string("\n"), std::string("\r\n")),
                          [](const testing::TestParamInfo<std::string>& line_end) {
                            return line_end.param == "\n" ? "Newlines" : "CarriageReturns";
