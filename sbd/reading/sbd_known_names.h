@@ -24,6 +24,10 @@ class SBD_KNOWN_NAMES {
     std::uint8_t next;    // The slot of the name that came behind this one the last time.
   };
 
+  SBD_KNOWN_NAMES() = default;
+  SBD_KNOWN_NAMES(const SBD_KNOWN_NAMES& other) : m_slots(other.m_slots) {}
+  SBD_KNOWN_NAMES& operator=(const SBD_KNOWN_NAMES&) = delete;
+
   // The entry of a name, with a copy that COPY makes if the name is new. A step can be read behind
   // the name and behind copies, whatever stands there.
   template <class COPY>

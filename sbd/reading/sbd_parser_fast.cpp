@@ -436,7 +436,7 @@ std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_per_statement = 125;
   constexpr std::size_t k_per_brace = 125;  // Of a block; a list has the memory of its elements.
   constexpr std::size_t k_per_comma = 25;
-  constexpr std::size_t k_per_new_name = 16;
+  constexpr std::size_t k_per_new_name = 10;
   constexpr std::size_t k_most_new_names = 128;
   constexpr double k_most_per_byte = 8;
   constexpr auto k_most = static_cast<double>(std::numeric_limits<std::size_t>::max()) / 4;

@@ -18,6 +18,7 @@
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_source.h"
 #include "sbd/reading/sbd_texts.h"
+#include "sbd/reading/sbd_usual_names.h"
 #include "sbd/sbd_file_parser.h"
 
 // What the parser noticed while it built the tree. The checks that post messages run only when
@@ -89,7 +90,7 @@ class SBD_STORE {
 
   // Give back what a record holds. What lies in the pool stays there until it is released.
   void free_text(char* text) const noexcept {
-    if (text != nullptr && !pool.owns(text)) sbd_free_text(text);
+    if (text != nullptr && !pool.owns(text) && !sbd_is_usual_name(text)) sbd_free_text(text);
   }
   template <class T>
   void free_record(T* record) const noexcept {

@@ -15,6 +15,7 @@
 #include "sbd/reading/sbd_known_names.h"
 #include "sbd/reading/sbd_scratch.h"
 #include "sbd/reading/sbd_store.h"
+#include "sbd/reading/sbd_usual_names.h"
 #include "sbd/sbd_file_parser.h"
 
 class SBD_TREE_MAKER {
@@ -275,7 +276,7 @@ class SBD_TREE_MAKER {
   std::uint32_t m_first_name = 0;  // and the index of its first name among the open ones.
   SBD_SCRATCH<OPEN_BLOCK, 16> m_open_blocks;
   SBD_SCRATCH<SBD_OPEN_MEMBER, 64> m_open_names;  // The names whose scope is open.
-  SBD_KNOWN_NAMES m_known_names;
+  SBD_KNOWN_NAMES m_known_names{sbd_known_usual_names()};
   SBD_KNOWN_TYPES m_known_types;
 };
 
