@@ -56,6 +56,7 @@ class SBD_STORE {
   // A record of the reader's, in the pool.
   template <class T>
   T* make() {
+    pool.fetch_ahead<sizeof(T)>();
     return ::new (pool.take(sizeof(T))) T;
   }
   // A copy of a token's text, which lies in the source, in the pool.
