@@ -15,7 +15,7 @@ using SBD_SYMBOL = SBD_FILE_PARSER::SBD_SYMBOL;
 namespace {
 
 // Up to so many members are looked through one by one, which takes no longer than a list would.
-constexpr std::size_t k_small_scope = 2;
+constexpr std::size_t k_small_scope = 4;
 
 std::uint64_t make_seed() noexcept {
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();

@@ -433,7 +433,7 @@ class FAULTLESS_PARSER {
 // little, since the pool grows when more is lacking. Marks in comments must not mislead it much.
 std::size_t estimate_records(std::string_view text) {
   constexpr std::size_t k_longest_sample = 255 * k_run_step;
-  constexpr std::size_t k_per_statement = 125;
+  constexpr std::size_t k_per_statement = 123;
   constexpr std::size_t k_per_brace = 125;  // Of a block; a list has the memory of its elements.
   constexpr std::size_t k_per_comma = 25;
   constexpr std::size_t k_per_new_name = 10;
