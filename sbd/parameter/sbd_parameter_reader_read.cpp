@@ -143,11 +143,15 @@ bool SBD_PARAMETER_READER::insert(const char* block_name, const char* parameter_
 bool SBD_PARAMETER_READER::insert(std::string_view reference, std::uint32_t hash,
                                   SBD_PARAMETER_VALUE&& record, SBD_PARAMETER_ORIGIN origin) {
   SBD_PARAMETER_STORE& kept = store();
-  const SBD_PARAMETER_STORE::RECORD* const earlier = kept.find(reference, hash);
-  if (earlier != nullptr) return earlier->value->m_has_value;
+  if (kept.walk == nullptr || !kept.walk->is_new()) {
+    const SBD_PARAMETER_STORE::RECORD* const earlier = kept.find(reference, hash);
+    if (earlier != nullptr) return earlier->value->m_has_value;
+  }
 
   kept.make_room();
-  SBD_PARAMETER_NAME key(kept.make_key(reference), m_parameters.get_allocator());
+  SBD_PARAMETER_NAME key(m_parameters.get_allocator());
+  key.reserve(kept.key_prefix.size() + reference.size());
+  key.append(kept.key_prefix).append(reference);
   const auto hint = kept.walk != nullptr ? kept.walk->place() : m_parameters.end();
   const auto entry = m_parameters.try_emplace(hint, std::move(key), std::move(record));
   if (kept.walk != nullptr) kept.walk->set_place(entry);

@@ -104,13 +104,7 @@ void sbd_give_parameter_memory(SBD_POOL* pool, void* memory) noexcept {
 
 SBD_PARAMETER_STORE::SBD_PARAMETER_STORE(const SBD_FILE_PARSER& parser,
                                          const SBD_STRING& module_name)
-    : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix), m_key(key_prefix) {}
-
-std::string_view SBD_PARAMETER_STORE::make_key(std::string_view reference) {
-  m_key.resize(key_prefix.size());
-  m_key.append(reference);
-  return m_key;
-}
+    : key_prefix(make_key_prefix(module_name)), lookup(parser, key_prefix) {}
 
 std::uint32_t SBD_PARAMETER_STORE::hash_of(std::string_view reference) {
   constexpr std::uint64_t k_seed = 0;  // The same in every run, since prepared names keep the hash.
@@ -144,18 +138,15 @@ const SBD_PARAMETER_STORE::RECORD* SBD_PARAMETER_STORE::find(std::string_view re
   return nullptr;
 }
 
-void SBD_PARAMETER_STORE::make_room() {
-  constexpr std::size_t k_first_slots = 512;  // Enough for every parameter of a chip.
-  constexpr std::size_t k_first_records = 160;
-  if (m_records.size() == m_records.capacity()) {
-    m_records.reserve(m_records.size() * 2 + k_first_records);
-  }
-  if (m_slots.empty()) {
-    constexpr std::size_t k_usual_node = 208;  // With its key.
-    pool.reserve(k_first_records * k_usual_node);
-    rebuild(k_first_slots);
-  }
-  if ((m_records.size() + 1) * 2 > m_slots.size()) rebuild(m_slots.size() * 2);
+void SBD_PARAMETER_STORE::make_more_room() {
+  constexpr std::size_t k_first_room = 160;   // Enough for every parameter of a chip,
+  constexpr std::size_t k_first_slots = 512;  // of which there are never twice as many.
+  constexpr std::size_t k_usual_node = 208;   // With its key.
+  if (m_room == 0) pool.reserve(k_first_room * k_usual_node);
+  const std::size_t room = m_room == 0 ? k_first_room : m_room * 2;
+  m_records.reserve(room);
+  rebuild(m_room == 0 ? k_first_slots : m_slots.size() * 2);
+  m_room = room;
 }
 
 void SBD_PARAMETER_STORE::rebuild(std::size_t slot_count) {
@@ -179,7 +170,9 @@ void SBD_PARAMETER_STORE::add(const RECORD& record) noexcept {
 // ---- The walk ----------------------------------------------------------------------------------
 
 SBD_PARAMETER_WALK::SBD_PARAMETER_WALK(SBD_PARAMETER_READER& reader, std::size_t name_count)
-    : m_store(reader.store()), m_places(name_count + 1, reader.m_parameters.end()) {
+    : m_store(reader.store()),
+      m_is_first(reader.m_parameters.empty()),
+      m_places(name_count + 1, reader.m_parameters.end()) {
   m_store.lookup.begin_walk();  // May fail, and then there is no walk.
   m_store.has_failed = false;
   m_store.walk = this;

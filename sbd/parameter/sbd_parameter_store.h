@@ -101,11 +101,10 @@ class SBD_PARAMETER_STORE {
     m_expected_text = nullptr;
   }
 
-  // The key of a reference, valid until the next call.
-  std::string_view make_key(std::string_view reference);
-
   // Makes sure that `add` finds room.
-  void make_room();
+  void make_room() {
+    if (m_records.size() == m_room) make_more_room();
+  }
   // Enters a record that is not there yet.
   void add(const RECORD& record) noexcept;
 
@@ -118,10 +117,11 @@ class SBD_PARAMETER_STORE {
 
  private:
   void enter(std::uint32_t number) noexcept;
+  void make_more_room();
   void rebuild(std::size_t slot_count);
 
-  SBD_STRING m_key;
   SBD_VECTOR<RECORD> m_records;
+  std::size_t m_room = 0;  // For so many records there is memory, slots included.
   const RECORD* m_expected = nullptr;
   const char* m_expected_text = nullptr;
   SBD_VECTOR<std::uint32_t> m_slots;  // 1 + number of a record, or 0. A power of two of them.
@@ -145,6 +145,8 @@ class SBD_PARAMETER_WALK {
 
   // In front of what its record belongs, as far as this walk has read: a hint, and no more.
   PLACE place() const { return m_places[m_name->next_rank]; }
+  // True when it can't have been read before.
+  bool is_new() const { return m_is_first && m_places[m_name->rank] == m_places.back(); }
   // Notes where its record is.
   void set_place(PLACE place) { m_places[m_name->rank] = place; }
 
@@ -153,6 +155,7 @@ class SBD_PARAMETER_WALK {
 
  private:
   SBD_PARAMETER_STORE& m_store;
+  const bool m_is_first;  // Nothing was read before this walk.
   const SBD_PREPARED_NAME* m_name = nullptr;
   // By rank; the end where nothing was read yet, and behind the last one.
   SBD_VECTOR<PLACE> m_places;
