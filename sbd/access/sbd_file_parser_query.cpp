@@ -255,7 +255,7 @@ void SBD_FILE_PARSER::get_typed_blocks(SBD_BLOCK::BLOCK_TYPE type, SBD_STRING_LI
 }
 
 unsigned long SBD_FILE_PARSER::get_unit_value(SBD_PARA_VALUE::QUANTITY_UNIT unit) noexcept {
-  constexpr unsigned long k_multipliers[] = {1, 1024, 1UL << 20, 1UL << 30, 1, 1000000};
+  static constexpr unsigned long k_multipliers[] = {1, 1024, 1UL << 20, 1UL << 30, 1, 1000000};
   constexpr std::size_t k_unit_count = sizeof k_multipliers / sizeof *k_multipliers;
   return unit < k_unit_count ? k_multipliers[unit] : 1;
 }

@@ -92,10 +92,12 @@ std::uint64_t sbd_load_word(const void* from) {
 // A name is hashed in steps of two words, the last one filled up with zeros.
 inline constexpr std::size_t k_hash_step = 16;
 
-// One step. Setting bit 5 of every byte makes the hash blind to letter case; that it merges a few
-// other characters too does no harm, since names are compared.
+// Set in every byte, bit 5 makes a hash blind to letter case; that it merges a few other characters
+// too does no harm, since names are compared.
+inline constexpr std::uint64_t k_case_bits = 0x2020202020202020U;
+
+// One step.
 inline std::uint64_t sbd_hash_step(std::uint64_t hash, std::uint64_t low, std::uint64_t high) {
-  constexpr std::uint64_t k_case_bits = 0x2020202020202020U;
   return sbd_hash_mix(sbd_hash_mix(hash, low | k_case_bits), high | k_case_bits);
 }
 

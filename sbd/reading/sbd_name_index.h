@@ -93,7 +93,7 @@ class SBD_NAME_INDEX {
   // Lets whole names be found at once from now on, as long as no name comes, goes or moves.
   void begin_paths() noexcept { m_has_paths = true; }
   // The object of a whole name, letter case aside, in the document that begins with `root`; null
-  // tells nothing. Behind the name a step can be read. Several threads may ask at a time.
+  // tells nothing. Behind the name a step of NUL bytes stands. Several threads may ask at a time.
   SBD_NODE* find_path(SBD_NODE* root, std::string_view name, const SBD_POOL& pool) const {
     if (!m_has_paths) return nullptr;
     const SBD_PATH_INDEX* const paths = m_paths.load(std::memory_order_acquire);

@@ -18,28 +18,39 @@ namespace {
 constexpr std::size_t k_longest_path = std::numeric_limits<std::uint8_t>::max();
 constexpr std::uint32_t k_no_path = std::numeric_limits<std::uint32_t>::max();
 
-// Of the path of an object's block and its own name: two hashes that need not wait for each other.
-std::uint64_t join_hashes(std::uint64_t path, std::uint64_t name) {
-  return sbd_hash_mix(path, name);
-}
-
-std::size_t find_last_dot(std::string_view name) {
-#if SBD_HAS_SSE2
-  // An object's own name usually fits into a step.
-  if (name.size() >= k_run_step) {
-    const std::size_t begin = name.size() - k_run_step;
-    const __m128i step = sbd_load_step(name.data() + begin);
-    const unsigned dots = sbd_mask_of(_mm_cmpeq_epi8(step, _mm_set1_epi8('.')));
-    if (dots != 0) return begin + sbd_last_set_bit(dots);
+// The hash of a whole name, behind which a step of NUL bytes stands. The two words of each step go
+// two ways that need not wait for each other, since whole names are long.
+std::uint64_t hash_whole_name(std::string_view name) {
+  std::uint64_t low = k_hash_seed.value ^ name.size();
+  std::uint64_t high = k_hash_seed.value;
+  for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
+    const char* const step = name.data() + done;
+    low = sbd_hash_mix(low, sbd_load_word(step) | k_case_bits);
+    high = sbd_hash_mix(high, sbd_load_word(step + 8) | k_case_bits);
   }
-#endif
-  return name.rfind('.');
+  return sbd_hash_mix(low, high);
 }
 
-bool is_same_path(std::string_view one, std::string_view other) {
-  return one.size() == other.size() && (sbd_equal_bytes(one.data(), other.data(), one.size()) ||
-                                        sbd_equal_ignoring_case(one, other));
-}
+// The names of objects that lie in one block mostly, put together behind their path.
+class FULL_NAME {
+ public:
+  void set_path(std::string_view path) {
+    m_text.assign(path);
+    m_text += '.';
+    m_path_size = m_text.size();
+  }
+  std::uint64_t hash_with(std::string_view own_name) {
+    m_text.resize(m_path_size);
+    m_text.append(own_name);
+    const std::size_t size = m_text.size();
+    m_text.append(k_hash_step, '\0');
+    return hash_whole_name({m_text.data(), size});
+  }
+
+ private:
+  SBD_STRING m_text;
+  std::size_t m_path_size = 0;
+};
 
 }  // namespace
 
@@ -53,11 +64,18 @@ SBD_PATH_INDEX::SBD_PATH_INDEX(SBD_NODE* root) {
 
   SBD_SCRATCH<OPEN_BLOCK, 32> open_blocks;
   SBD_TREE_WALK walk(root);
+  FULL_NAME full_name;
+  std::uint32_t path = k_no_path;  // Of the full name.
   while (SBD_NODE* const node = walk.next()) {
     while (!open_blocks.empty() && open_blocks.back().node != walk.parent()) open_blocks.pop_back();
     const OPEN_BLOCK* const block = open_blocks.empty() ? nullptr : &open_blocks.back();
-    if (sbd_symbol_of(node) == nullptr) continue;
-    if (block != nullptr && block->path != k_no_path) enter(node, *block);
+    const auto* const symbol = sbd_symbol_of(node);
+    if (symbol == nullptr) continue;
+    if (block != nullptr && block->path != k_no_path) {
+      if (path != block->path) full_name.set_path(path_at(block->path));
+      path = block->path;
+      enter(node, full_name.hash_with(symbol->name), path);
+    }
     if (node->type == SBD_NODE::NT_BLOCK) open_blocks.push_back(open(node, block));
   }
   m_texts.resize(m_texts.size() + k_run_step);
@@ -72,7 +90,7 @@ SBD_PATH_INDEX::OPEN_BLOCK SBD_PATH_INDEX::open(const SBD_NODE* block,
   const std::size_t begin = has_path && !is_top_level ? path_at(enclosing->path).size() + 1 : 0;
   const std::size_t place = m_texts.size();
   const bool is_short = begin + name.size() <= k_longest_path && place < k_no_path - k_longest_path;
-  if (!has_path || !is_short) return {block, k_no_path, 0};
+  if (!has_path || !is_short) return {block, k_no_path};
 
   m_texts.resize(place + 1 + begin + name.size());
   char* const text = m_texts.data() + place + 1;
@@ -82,25 +100,17 @@ SBD_PATH_INDEX::OPEN_BLOCK SBD_PATH_INDEX::open(const SBD_NODE* block,
     text[begin - 1] = '.';
   }
   std::memcpy(text + begin, name.data(), name.size());
-  const auto path = static_cast<std::uint32_t>(place);
-  return {block, path, sbd_hash_name(path_at(path))};
+  return {block, static_cast<std::uint32_t>(place)};
 }
 
-void SBD_PATH_INDEX::enter(SBD_NODE* node, const OPEN_BLOCK& block) {
-  const char* const name = sbd_symbol_of(node)->name;
-  const std::uint64_t hash = join_hashes(block.path_hash, sbd_hash_name(name));
+void SBD_PATH_INDEX::enter(SBD_NODE* node, std::uint64_t hash, std::uint32_t path) {
   std::size_t slot = slot_of(hash);
   while (m_slots[slot].node != nullptr) slot = slot + 1 == m_slots.size() ? 0 : slot + 1;
-  m_slots[slot] = {node, name, static_cast<std::uint32_t>(hash), block.path};
+  m_slots[slot] = {node, sbd_symbol_of(node)->name, static_cast<std::uint32_t>(hash), path};
 }
 
 SBD_NODE* SBD_PATH_INDEX::find(std::string_view name) const {
-  const std::size_t dot = find_last_dot(name);
-  if (dot == std::string_view::npos) return nullptr;
-  const std::string_view path = name.substr(0, dot);
-  const std::string_view own_name = name.substr(dot + 1);
-  const std::uint64_t hash =
-      join_hashes(sbd_hash_padded_name(path), sbd_hash_padded_name(own_name));
+  const std::uint64_t hash = hash_whole_name(name);
   std::size_t slot = slot_of(hash);
   for (; m_slots[slot].node != nullptr; slot = slot + 1 == m_slots.size() ? 0 : slot + 1) {
     const ENTRY& entry = m_slots[slot];
@@ -109,11 +119,18 @@ SBD_NODE* SBD_PATH_INDEX::find(std::string_view name) const {
     // an object's symbol behind its node, and a value in front of it.
     sbd_prefetch(entry.name, 0, 1);
     sbd_prefetch(entry.node, -1, 3);
-    if (is_same_path(path_at(entry.path), path) && sbd_has_name(entry.name, own_name)) {
-      return entry.node;
-    }
+    if (is_name_of(entry, name)) return entry.node;
   }
   return nullptr;
+}
+
+bool SBD_PATH_INDEX::is_name_of(const ENTRY& entry, std::string_view name) const {
+  const std::string_view path = path_at(entry.path);
+  if (name.size() <= path.size() || name[path.size()] != '.') return false;
+  const std::string_view given_path = name.substr(0, path.size());
+  return (sbd_equal_bytes(path.data(), given_path.data(), path.size()) ||
+          sbd_equal_ignoring_case(path, given_path)) &&
+         sbd_has_name(entry.name, name.substr(path.size() + 1));
 }
 
 std::string_view SBD_PATH_INDEX::path_at(std::uint32_t place) const {

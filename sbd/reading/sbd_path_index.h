@@ -22,7 +22,7 @@ class SBD_PATH_INDEX {
   static void operator delete(void* index) noexcept { SBD_RECORD::operator delete(index); }
 
   // The object of that name, letter case aside. Null tells nothing: names without a dot are not
-  // here, nor are very long ones. Behind the name a step can be read.
+  // here, nor are very long ones. Behind the name a step of NUL bytes stands.
   SBD_NODE* find(std::string_view name) const;
 
  private:
@@ -38,11 +38,11 @@ class SBD_PATH_INDEX {
   struct OPEN_BLOCK {
     const SBD_NODE* node;
     std::uint32_t path;
-    std::uint64_t path_hash;
   };
 
   OPEN_BLOCK open(const SBD_NODE* block, const OPEN_BLOCK* enclosing);
-  void enter(SBD_NODE* node, const OPEN_BLOCK& block);
+  void enter(SBD_NODE* node, std::uint64_t hash, std::uint32_t path);
+  bool is_name_of(const ENTRY& entry, std::string_view name) const;
   std::string_view path_at(std::uint32_t place) const;
   std::size_t slot_of(std::uint64_t hash) const;
 
