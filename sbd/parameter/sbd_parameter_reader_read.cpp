@@ -143,7 +143,7 @@ bool SBD_PARAMETER_READER::insert(const char* block_name, const char* parameter_
 bool SBD_PARAMETER_READER::insert(std::string_view reference, std::uint32_t hash,
                                   SBD_PARAMETER_VALUE&& record, SBD_PARAMETER_ORIGIN origin) {
   SBD_PARAMETER_STORE& kept = store();
-  if (kept.walk == nullptr || !kept.walk->is_new()) {
+  if (kept.walk == nullptr || !kept.walk->is_first()) {
     const SBD_PARAMETER_STORE::RECORD* const earlier = kept.find(reference, hash);
     if (earlier != nullptr) return earlier->value->m_has_value;
   }
@@ -153,7 +153,9 @@ bool SBD_PARAMETER_READER::insert(std::string_view reference, std::uint32_t hash
   key.reserve(kept.key_prefix.size() + reference.size());
   key.append(kept.key_prefix).append(reference);
   const auto hint = kept.walk != nullptr ? kept.walk->place() : m_parameters.end();
+  const std::size_t count = m_parameters.size();
   const auto entry = m_parameters.try_emplace(hint, std::move(key), std::move(record));
+  if (m_parameters.size() == count) return entry->second.m_has_value;
   if (kept.walk != nullptr) kept.walk->set_place(entry);
   const std::string_view own_reference =
       std::string_view(entry->first).substr(kept.key_prefix.size());

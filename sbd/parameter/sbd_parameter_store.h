@@ -145,8 +145,8 @@ class SBD_PARAMETER_WALK {
 
   // In front of what its record belongs, as far as this walk has read: a hint, and no more.
   PLACE place() const { return m_places[m_name->next_rank]; }
-  // True when it can't have been read before.
-  bool is_new() const { return m_is_first && m_places[m_name->rank] == m_places.back(); }
+  // Whether nothing was read before this walk, so that it meets nearly nothing twice.
+  bool is_first() const { return m_is_first; }
   // Notes where its record is.
   void set_place(PLACE place) { m_places[m_name->rank] = place; }
 
@@ -155,7 +155,7 @@ class SBD_PARAMETER_WALK {
 
  private:
   SBD_PARAMETER_STORE& m_store;
-  const bool m_is_first;  // Nothing was read before this walk.
+  const bool m_is_first;
   const SBD_PREPARED_NAME* m_name = nullptr;
   // By rank; the end where nothing was read yet, and behind the last one.
   SBD_VECTOR<PLACE> m_places;

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/sbd_host.h"
 #include "sbd/msg_sbd.h"
 #include "sbd/reading/sbd_extended.h"
 #include "sbd/reading/sbd_hash.h"
@@ -453,6 +454,38 @@ TEST_F(PARAMETER_READER, ParameterNameMustNotBeNull) {
   ASSERT_FALSE(m_recorder.conditions().empty());
   EXPECT_EQ(m_recorder.conditions().front(), "parameter_name != NULL");
   m_expected_conditions = m_recorder.conditions();
+}
+
+// What is read again takes no memory again, however often.
+TEST_F(PARAMETER_READER, WhatWasReadTakesNoMoreMemory) {
+  read_dword("sdram", "a_parameter_with_a_rather_long_name", 7);
+  const auto read_often = [this] {
+    for (int i = 0; i != 1000; i++) {
+      read_dword("sdram", "A_parameter_with_a_rather_long_name", 8);
+      read_string(nullptr, "text");
+    }
+  };
+  read_often();  // The document makes itself an index when it is asked often.
+  const std::size_t kept = sbd_host::get_memory_account("SBD").live_bytes;
+  read_often();
+  EXPECT_EQ(told_of("sdram", "a_parameter_with_a_rather_long_name"), "dword known false 7 0 ''");
+  EXPECT_EQ(sbd_host::get_memory_account("SBD").live_bytes, kept);
+}
+
+// Many times more of them than any chip has.
+TEST_F(PARAMETER_READER, ThousandsOfParametersAreAllFound) {
+  constexpr unsigned long k_count = 3000;
+  for (unsigned long i = 0; i != k_count; i++) {
+    const unsigned long value = i * 3;
+    m_reader.read_dword_parameter(nullptr, ("p" + std::to_string(i)).c_str(), &value, nullptr);
+  }
+  for (unsigned long i = 0; i != k_count; i++) {
+    bool is_defined = true, has_value = false;
+    const std::string name = "P" + std::to_string(i);
+    EXPECT_EQ(m_reader.lookup_dword_parameter(name.c_str(), is_defined, has_value, false), i * 3);
+    EXPECT_TRUE(has_value && !is_defined);
+  }
+  EXPECT_EQ(m_reader.find_parameter("p3000"), nullptr);
 }
 
 TEST_F(PARAMETER_READER, DocumentIsNotChangedAndNotAskedAgain) {
