@@ -22,7 +22,8 @@ constexpr std::uint32_t k_no_path = std::numeric_limits<std::uint32_t>::max();
 // two ways that need not wait for each other, since whole names are long.
 std::uint64_t hash_whole_name(std::string_view name) {
   std::uint64_t low = k_hash_seed.value ^ name.size();
-  std::uint64_t high = k_hash_seed.value;
+  // As secret as the other, or there would be names that collide whatever the seed is.
+  std::uint64_t high = sbd_hash_mix(k_hash_seed.value, 1);
   for (std::size_t done = 0; done < name.size(); done += k_hash_step) {
     const char* const step = name.data() + done;
     low = sbd_hash_mix(low, sbd_load_word(step) | k_case_bits);

@@ -29,7 +29,7 @@ class SBD_POOL {
     return taken;
   }
 
-  // Lets memory be fetched that is going to be taken after a while, for a record of `size` bytes
+  // Lets memory be fetched that is going to be taken after a while, for a record of SIZE bytes
   // that is taken now: in a large document it is fetched more slowly than it is written. The small
   // records beside a large one share its lines.
   template <std::size_t SIZE>

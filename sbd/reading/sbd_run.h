@@ -87,11 +87,6 @@ inline unsigned sbd_quote_or_newline_mask(__m128i bytes) {
 
 inline constexpr unsigned k_whole_step = 0xFFFF;
 
-// Of a mask that is not 0.
-inline std::size_t sbd_last_set_bit(unsigned mask) {
-  return static_cast<std::size_t>(31 - __builtin_clz(mask));
-}
-
 // Behind the bytes from `next` on that MASK_OF marks.
 template <unsigned (*MASK_OF)(__m128i)>
 const char* sbd_skip_run(const char* next) {

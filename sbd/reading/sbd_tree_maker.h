@@ -1,6 +1,6 @@
 // Makes the tree of a text that is read: what the tree builders make of the tokens of callers, all
-// of it in the document's own memory, where nothing has to be freed again, and each record written
-// once, when everything that belongs into it is known.
+// of it in the document's own memory (usual names have no owner), where nothing has to be freed
+// again, and each record written once, when everything that belongs into it is known.
 //
 // What the host throws passes through. The document is to be emptied then, as it is when the text
 // turns out to be faulty.
