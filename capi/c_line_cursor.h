@@ -20,6 +20,7 @@ class LINE_CURSOR {
 
   // Goes on from a place that is known.
   void start_at(const sbdc_position& known) {
+    if (known.line == m_line) return;  // The end of a long line is not looked for again.
     m_line = known.line;
     m_begin = known.offset - (known.column - 1);
     m_end = line_end(known.offset);

@@ -237,7 +237,7 @@ void LISTING_BUILDER::put_value(const VALUE& value, sbdc_value& made) {
 void LISTING_BUILDER::put_single(const VALUE& value, sbdc_value& made) {
   made.kind = static_cast<sbdc_value_kind>(value.type);
   made.unit = static_cast<sbdc_unit>(value.unit);
-  made.position = position_of(&value, value.m_length != VALUE::k_long ? value.m_length : 0U);
+  made.position = position_of(&value, length_of(value));
   if (is_number(value)) {
     made.unscaled = value.number;
     made.number = scaled_number(value);
@@ -294,6 +294,12 @@ sbdc_value LISTING_BUILDER::make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& 
 
 // ---- Positions ---------------------------------------------------------------------------------
 
+std::size_t LISTING_BUILDER::length_of(const VALUE& value) const {
+  if (value.m_length != VALUE::k_long) return value.m_length;
+  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
+  return m_document.get_range(&value, range) ? range.length : 0;
+}
+
 // Of a block, or of an assignment whose ";" is right behind the value, as it nearly always is;
 // otherwise 0. The document would have to look for it in the text.
 std::size_t LISTING_BUILDER::length_of(const NODE* node) const {
@@ -305,8 +311,8 @@ std::size_t LISTING_BUILDER::length_of(const NODE* node) const {
   }
   if (kind_of(node) != SBDC_PARAMETER) return 0;
   const VALUE& value = *node->statement->value;
-  if (value.m_position <= node->m_position || value.m_length == VALUE::k_long) return 0;
-  const std::size_t end = value.m_position - std::size_t{1} + value.m_length;
+  if (value.m_position <= node->m_position) return 0;
+  const std::size_t end = value.m_position - std::size_t{1} + length_of(value);
   const std::string_view text = m_lines.text();
   return end < text.size() && text[end] == ';' ? end + 1 - begin : 0;
 }

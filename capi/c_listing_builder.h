@@ -57,6 +57,7 @@ class LISTING_BUILDER {
   const NODE* step();
   std::string full_name(const NODE* node) const;
   void add(const NODE* node, std::string_view own_name, std::size_t depth);
+  std::size_t length_of(const VALUE& value) const;
   std::size_t length_of(const NODE* node) const;
   sbdc_position name_position_of(const NODE* node, std::string_view own_name);
   void add_attributes(const SBD_FILE_PARSER::SBD_PARA_ATTR* first, sbdc_item& item);

@@ -45,12 +45,8 @@ std::size_t skip_item(std::string_view text, std::size_t at) {
 
 // Behind the ";" of the statement that begins at `at`.
 std::size_t skip_statement(std::string_view text, std::size_t at) {
-  for (;;) {
-    const std::size_t semicolon = std::min(text.find(';', at), text.size());
-    const std::size_t quote = text.substr(0, semicolon).find('"', at);
-    if (quote == std::string_view::npos) return std::min(semicolon + 1, text.size());
-    at = skip_string(text, quote);
-  }
+  while (at < text.size() && text[at] != ';') at = text[at] == '"' ? skip_string(text, at) : at + 1;
+  return std::min(at + 1, text.size());
 }
 
 // How long a value of the reader's is. Of a list the document knows it: lists may be nested deeply,

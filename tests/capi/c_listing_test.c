@@ -460,8 +460,80 @@ static void list_long_values(void) {
   free(text);
 }
 
+/* Deep lists on one line, each of which ends behind the one in it. */
+static void list_deep_list_in_a_line(void) {
+  enum { k_depth = 200000 };
+  char* const text = calloc(1, 64 + 5 * k_depth);
+  sbdc_document* document = NULL;
+  sbdc_listing* listing = NULL;
+  const sbdc_value* value = NULL;
+  size_t depth = 0;
+  char* end = text;
+  EXPECT(text != NULL);
+  if (text == NULL) return;
+  end += strlen(strcpy(end, "device d{p="));
+  for (depth = 0; depth < k_depth; depth++) end = strcpy(end, "{1,") + 3;
+  *end++ = '2';
+  memset(end, '}', k_depth);
+  strcpy(end + k_depth, ";}");
+  document = make_document(text);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_PARAMETER, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), 1);
+  value = &sbdc_listing_item(listing, 0)->value;
+  for (depth = 0; value->kind == SBDC_LIST; depth++) {
+    const size_t lists_left = k_depth - depth;
+    const int is_right = value->position.line == 1 && value->position.offset == 11 + 3 * depth &&
+                         value->position.length == 4 * lists_left + 1;
+    EXPECT(is_right);
+    if (!is_right) break;
+    value = sbdc_listing_element(listing, value->first_element + 1);
+  }
+  EXPECT_NUMBER(depth, k_depth);
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+  free(text);
+}
+
+/* More references on one line than could each be looked for from its beginning, or to its end. */
+static void list_many_references_in_a_line(void) {
+  enum { k_count = 200000 };
+  static const char k_name[] = ",d.aa";
+  const size_t size = sizeof k_name - 1;
+  char* const text = calloc(1, 64 + k_count * size);
+  sbdc_document* document = NULL;
+  sbdc_listing* listing = NULL;
+  const sbdc_value* value = NULL;
+  size_t i = 0;
+  char* end = text;
+  EXPECT(text != NULL);
+  if (text == NULL) return;
+  end += strlen(strcpy(end, "device d{aa=1;\nr<d.aa"));
+  for (i = 1; i < k_count; i++) {
+    memcpy(end, k_name, size);
+    end += size;
+  }
+  strcpy(end, ">;}");
+  document = make_document(text);
+  EXPECT_STATUS(sbdc_list(document, NULL, SBDC_REFERENCE_STATEMENT, &listing), SBDC_OK);
+  EXPECT_NUMBER(sbdc_listing_size(listing), 1);
+  value = &sbdc_listing_item(listing, 0)->value;
+  EXPECT_NUMBER(value->element_count, k_count);
+  for (i = 0; i < k_count; i++) {
+    const sbdc_value* const element = sbdc_listing_element(listing, value->first_element + i);
+    const int is_right = element->position.line == 2 && element->position.column == 3 + size * i &&
+                         element->position.length == size - 1;
+    EXPECT(is_right);
+    if (!is_right) break;
+  }
+  sbdc_listing_free(listing);
+  sbdc_document_free(document);
+  free(text);
+}
+
 void test_nested_lists(void) {
   find_nested_list();
   list_deep_nesting();
   list_long_values();
+  list_deep_list_in_a_line();
+  list_many_references_in_a_line();
 }

@@ -457,6 +457,24 @@ TEST(LONG_LIST, KeepsItsElements) {
   EXPECT_EQ(list[list.size() - 1]->number, 1.0);
 }
 
+// Strings are where a ";" may stand that ends nothing.
+TEST(LONG_LIST, OfStringsHasItsPosition) {
+  std::string list = "{\";\"";
+  for (int i = 1; i != MILLION; i++) list += ",\";\"";
+  list += "}";
+  const std::string statement = "x = " + list + " ;";
+  SBD_FILE_PARSER document;
+  ASSERT_TRUE(read_text(document, "device d {\n" + statement + " # c\n}"));
+  SBD_FILE_PARSER::SBD_SOURCE_RANGE range;
+  ASSERT_TRUE(document.get_range(document.get_para_value("d", "x"), range));
+  EXPECT_EQ(range.length, list.size());
+  const SBD_NODE* const node = document.get_ref_object("d.x", nullptr);
+  ASSERT_TRUE(document.get_range(node, range));
+  EXPECT_EQ(range.length, statement.size());
+  ASSERT_TRUE(document.get_comment_range(node, range));
+  EXPECT_EQ(range.column, statement.size() + 2);
+}
+
 TEST(LONG_LIST, OfAttributesKeepsItsElements) {
   SBD_FILE_PARSER document;
   ASSERT_TRUE(
