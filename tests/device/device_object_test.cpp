@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/sbd_host.h"
 #include "sbd/sbd_veldran.h"
 #include "sbd/sbd_veldran_parameter_reader.h"
 #include "tests/device/descriptor_text.h"
@@ -1066,6 +1067,16 @@ TEST_F(DEVICE_READER, ReportsUnreadNamesAndPosts) {
   EXPECT_EQ(m_recorder.conditions(),
             TEXTS{"Parameter board.stripe.never has not been read from the SBD file"});
   m_recorder.forget();
+}
+
+TEST_F(DEVICE_READER, ReadingAllAgainChangesNothingAndTakesNoMemory) {
+  make_reader(minimal_settings());
+  EXPECT_TRUE(m_reader->read_all_parameters());
+  const std::size_t kept = sbd_host::get_memory_account("SBD").live_bytes;
+  for (int i = 0; i != 10; i++) EXPECT_TRUE(m_reader->read_all_parameters());
+  EXPECT_EQ(sbd_host::get_memory_account("SBD").live_bytes, kept);
+  EXPECT_TRUE(m_reader->validate_all_parameters());
+  EXPECT_TRUE(m_recorder.is_silent());
 }
 
 TEST_F(DEVICE_READER, ReadingDoesNotValidate) {

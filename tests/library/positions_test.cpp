@@ -276,6 +276,16 @@ TEST_P(POSITION, OfALongValueIsExact) {
   }
 }
 
+TEST_P(POSITION, OfALongListThatWasTakenOutIsItsBeginning) {
+  read("device d { x = {1," + std::string(70000, ' ') + "2}; }");
+  SBD_PARA_VALUE* const value = m_document.get_para_value("d", "x");
+  value->list = nullptr;
+  SBD_SOURCE_RANGE range;
+  ASSERT_TRUE(m_document.get_range(value, range));
+  EXPECT_EQ(range.column, 16U);
+  EXPECT_EQ(range.length, 0U);
+}
+
 INSTANTIATE_TEST_SUITE_P(With, POSITION, testing::Values(std::string("\n"), std::string("\r\n")),
                          [](const testing::TestParamInfo<std::string>& line_end) {
                            return line_end.param == "\n" ? "Newlines" : "CarriageReturns";
