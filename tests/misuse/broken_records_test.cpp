@@ -343,11 +343,14 @@ TEST_F(BROKEN, StandardOutputIsWrittenToWithoutAPath) {
 TEST(BROKEN_DEVICE, ParametersOfBrokenRecordsHaveNoValue) {
   MESSAGE_RECORDER recorder;
   SBD_VELDRAN device("d");
+  // So many names in each scope that they have lists: these find symbols without looking at nodes.
   constexpr char k_text[] =
-      "device d { family = veldran_arm; type = qmxa1; module s { type = veldran_stripe; endian = "
-      "little; boot_from_flash = true; } module other { x = 1; } } device e { x = 1; } device f { "
-      "x = "
-      "1; }";
+      "device d { family = veldran_arm; type = qmxa1; revision = 2;\n"
+      "  module s { type = veldran_stripe; endian = little; boot_from_flash = true; x = 1; y = 2; "
+      "}\n"
+      "  module other { x = 1; }\n"
+      "}\n"
+      "device e { x = 1; } device f { x = 1; } device g { x = 1; } device h { x = 1; }\n";
   (void)device.read_text(k_text, sizeof k_text - 1, "f");
   ASSERT_NE(device.get_parameter_reader(), nullptr);
   const auto is_stripe_found = [&device] {
