@@ -294,6 +294,7 @@ sbdc_value LISTING_BUILDER::make_reference(const SBD_FILE_PARSER::SBD_PARA_REF& 
 
 // ---- Positions ---------------------------------------------------------------------------------
 
+// What the record can't tell, the document knows; 0 where there is no place.
 std::size_t LISTING_BUILDER::length_of(const VALUE& value) const {
   if (value.m_length != VALUE::k_long) return value.m_length;
   SBD_FILE_PARSER::SBD_SOURCE_RANGE range;

@@ -25,6 +25,7 @@ class SBD_KNOWN_NAMES {
   };
 
   SBD_KNOWN_NAMES() = default;
+  // Knows the same, and begins with none of it as the last name.
   SBD_KNOWN_NAMES(const SBD_KNOWN_NAMES& other) : m_slots(other.m_slots) {}
   SBD_KNOWN_NAMES& operator=(const SBD_KNOWN_NAMES&) = delete;
 

@@ -7,7 +7,7 @@
 
 #include "sbd/reading/sbd_known_names.h"
 
-// What a document knows before it is read. Of two names that fall into one slot it is one.
+// What a document knows before it is read. Of two names that fall into one slot it knows one.
 const SBD_KNOWN_NAMES& sbd_known_usual_names();
 
 // The usual names behind one another, each with its NUL.
